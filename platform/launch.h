@@ -1,0 +1,14 @@
+// Starting another program that goes its own way.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace fax {
+
+// Starts arguments[0], looked up in PATH unless it holds a slash, in a session of its own with no terminal, no
+// descriptor of ours and nobody to wait for. 0 once the program runs, else the errno value that kept it from running
+// (ENOENT: there is no such program).
+int launch(std::vector<std::string> const &arguments);
+
+}  // namespace fax
