@@ -1,0 +1,64 @@
+// Return and Escape press the button that has them as its key equivalent, also while a text field is edited. The
+// toolkit looks for buttons with the Command key only; Escape ends a modal window without its Cancel button, and in a
+// field asks for completions.
+#import <AppKit/AppKit.h>
+
+#include "platform/gnustep/repair.h"
+
+namespace {
+
+unsigned const kModifiers = NSCommandKeyMask | NSControlKeyMask | NSAlternateKeyMask;
+
+NSButton *button_for(NSView *view, NSString *key) {
+  if ([view isHidden]) return nil;
+  if ([view isKindOfClass:[NSButton class]]) {
+    NSButton *button = static_cast<NSButton *>(view);
+    bool const plain = ([button keyEquivalentModifierMask] & kModifiers) == 0;
+    if (plain && [[button keyEquivalent] isEqualToString:key]) return button;
+  }
+  NSArray *parts = [view subviews];
+  for (NSUInteger at = 0; at < [parts count]; ++at) {
+    if (NSButton *found = button_for([parts objectAtIndex:at], key)) return found;
+  }
+  return nil;
+}
+
+// "\r" for Return and Enter, Escape for itself; nil for other keys and with a modifier.
+NSString *plain_key(NSEvent *event) {
+  if (event == nil || [event type] != NSKeyDown || ([event modifierFlags] & kModifiers) != 0) return nil;
+  NSString *characters = [event characters];
+  if ([characters isEqualToString:@"\r"] || [characters isEqualToString:@"\003"]) return @"\r";
+  return [characters isEqualToString:@"\033"] ? characters : nil;
+}
+
+// False when the window has no such button; a disabled one takes the key and does nothing.
+bool press(NSWindow *window, NSString *key) {
+  NSButton *button = key != nil ? button_for([window contentView], key) : nil;
+  if (button == nil) return false;
+  if ([button isEnabled]) {
+    [button performClick:button];
+  } else {
+    NSBeep();
+  }
+  return true;
+}
+
+fax::Repair<void(NSEvent *)> key_down{"NSWindow", "keyDown:", [](id self, SEL command, NSEvent *event) {
+                                        if (!press(self, plain_key(event))) key_down(self, command, event);
+                                      }};
+
+// A field without an action asks this of itself when Return ends editing.
+fax::Repair<BOOL(NSEvent *)> key_equivalent{
+    "NSTextField", "performKeyEquivalent:", [](id self, SEL command, NSEvent *event) -> BOOL {
+      if (key_equivalent(self, command, event)) return YES;
+      return press([self window], plain_key(event)) ? YES : NO;
+    }};
+
+fax::Repair<void(id)> complete{"NSTextView", "complete:", [](id self, SEL command, id sender) {
+                                 NSTextView *view = self;
+                                 if (![view isFieldEditor] || !press([view window], @"\033")) {
+                                   complete(self, command, sender);
+                                 }
+                               }};
+
+}  // namespace
