@@ -1,0 +1,18 @@
+// The classes' full names. Every class bears the bundle's own prefix, because all extensions that one print dialog
+// loads share a single class namespace; the sources use the short names, nibs and the information dictionary the full
+// ones.
+#pragma once
+
+#define DirectFaxPdePlugin com_norvalt_tk_o_pde_vexolinddirectfax_DirectFaxPdePlugin
+#define BasicPdeInterface com_norvalt_tk_o_pde_vexolinddirectfax_BasicPdeInterface
+#define DirectFaxPdeInterface com_norvalt_tk_o_pde_vexolinddirectfax_DirectFaxPdeInterface
+#define DirectFaxPdeView com_norvalt_tk_o_pde_vexolinddirectfax_DirectFaxPdeView
+#define PpdFeature com_norvalt_tk_o_pde_vexolinddirectfax_PpdFeature
+#define BasicPdeView com_norvalt_tk_o_pde_vexolinddirectfax_BasicPdeView
+#define FaxSettingController com_norvalt_tk_o_pde_vexolinddirectfax_FaxSettingController
+#define FaxSettingView com_norvalt_tk_o_pde_vexolinddirectfax_FaxSettingView
+#define AddressBookController com_norvalt_tk_o_pde_vexolinddirectfax_AddressBookController
+#define AddressBookView com_norvalt_tk_o_pde_vexolinddirectfax_AddressBookView
+#define AddressInformation com_norvalt_tk_o_pde_vexolinddirectfax_AddressInformation
+#define InputStringChecker com_norvalt_tk_o_pde_vexolinddirectfax_InputStringChecker
+#define UtilityService com_norvalt_tk_o_pde_vexolinddirectfax_UtilityService
