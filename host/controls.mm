@@ -1,0 +1,131 @@
+#import "host/controls.h"
+
+#import <GNUstepGUI/GSDisplayServer.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "host/x_display.h"
+
+@implementation HostFlippedView
+- (BOOL)isFlipped {
+  return YES;
+}
+@end
+
+namespace fax::host {
+namespace {
+
+NSDictionary *system_font() {
+  return [NSDictionary dictionaryWithObject:[NSFont systemFontOfSize:0] forKey:NSFontAttributeName];
+}
+
+void collect(NSView *view, NSMutableArray *found) {
+  if ([view isHidden]) return;
+  if ([view acceptsFirstResponder] && ![view isKindOfClass:[NSScrollView class]] &&
+      ![view isKindOfClass:[NSClipView class]] && ![view isKindOfClass:[NSScroller class]]) {
+    [found addObject:view];
+    if ([view isKindOfClass:[NSControl class]]) return;
+  }
+  NSArray *inner = [view subviews];
+  for (NSUInteger at = 0; at < [inner count]; ++at) collect([inner objectAtIndex:at], found);
+}
+
+NSInteger reading_order(id one, id other, void *) {
+  NSRect const a = [one convertRect:[one bounds] toView:nil];
+  NSRect const b = [other convertRect:[other bounds] toView:nil];
+  // Controls whose middles lie within half a line of each other are on one line.
+  if (std::abs(NSMidY(a) - NSMidY(b)) > kRow / 2) {
+    return NSMidY(a) > NSMidY(b) ? NSOrderedAscending : NSOrderedDescending;
+  }
+  return NSMinX(a) < NSMinX(b) ? NSOrderedAscending : NSOrderedDescending;
+}
+
+}  // namespace
+
+NSTextField *make_label(NSString *text, NSTextAlignment alignment) {
+  NSTextField *label = [[[NSTextField alloc] initWithFrame:NSMakeRect(0, 0, 10, 18)] autorelease];
+  [label setEditable:NO];
+  [label setSelectable:NO];
+  [label setBezeled:NO];
+  [label setBordered:NO];
+  [label setDrawsBackground:NO];
+  [label setFont:[NSFont systemFontOfSize:0]];
+  [label setAlignment:alignment];
+  [label setStringValue:text];
+  return label;
+}
+
+NSButton *make_button(NSString *title, id target, SEL action) {
+  NSButton *button = [[[NSButton alloc] initWithFrame:NSMakeRect(0, 0, 90, kRow)] autorelease];
+  [button setButtonType:NSMomentaryPushInButton];
+  [button setBezelStyle:NSRoundedBezelStyle];
+  [button setFont:[NSFont systemFontOfSize:0]];
+  [button setTitle:title];
+  [button setTarget:target];
+  [button setAction:action];
+  [button setFrameSize:NSMakeSize(std::max<CGFloat>(90, roomy_width(title) + 16), kRow)];
+  return button;
+}
+
+NSPopUpButton *make_pop_up(id target, SEL action) {
+  NSPopUpButton *button = [[[NSPopUpButton alloc] initWithFrame:NSMakeRect(0, 0, 200, kRow) pullsDown:NO] autorelease];
+  [button setFont:[NSFont systemFontOfSize:0]];
+  [button setAutoenablesItems:NO];
+  [button setTarget:target];
+  [button setAction:action];
+  return button;
+}
+
+CGFloat roomy_width(NSString *text) { return std::ceil([text sizeWithAttributes:system_font()].width * 1.4); }
+
+NSString *fitted(NSString *text, CGFloat width) {
+  if ([text sizeWithAttributes:system_font()].width <= width) return text;
+  for (NSUInteger length = [text length]; length > 0; --length) {
+    NSRange const whole = [text rangeOfComposedCharacterSequenceAtIndex:length - 1];
+    NSString *part = [[text substringToIndex:whole.location] stringByAppendingString:@"\u2026"];
+    if ([part sizeWithAttributes:system_font()].width <= width) return part;
+    length = whole.location + 1;
+  }
+  return @"";
+}
+
+void fill_pop_up(NSPopUpButton *button, NSArray *titles) {
+  [button removeAllItems];
+  for (NSUInteger at = 0; at < [titles count]; ++at) {
+    // addItemWithTitle: would take an earlier item of the same title away.
+    [[button menu] addItemWithTitle:[titles objectAtIndex:at] action:NULL keyEquivalent:@""];
+  }
+  [button selectItemAtIndex:[titles count] ? 0 : -1];
+}
+
+unsigned long window_device(NSWindow *window) {
+  return reinterpret_cast<unsigned long>([GSServerForWindow(window) windowDevice:[window windowNumber]]);
+}
+
+void draw_now(NSWindow *window) {
+  [window displayIfNeeded];
+  [window flushWindow];
+  finish_drawing([GSServerForWindow(window) serverDevice]);
+}
+
+void keep_above(NSWindow *window, NSWindow *parent) {
+  GSDisplayServer *server = GSServerForWindow(window);
+  keep_above([server serverDevice], window_device(window), window_device(parent));
+}
+
+NSArray *focus_order(NSView *view) {
+  NSMutableArray *found = [NSMutableArray array];
+  collect(view, found);
+  [found sortUsingFunction:reading_order context:nullptr];
+  return found;
+}
+
+void join_focus(NSArray *views) {
+  NSUInteger const count = [views count];
+  for (NSUInteger at = 0; at < count; ++at) {
+    [[views objectAtIndex:at] setNextKeyView:[views objectAtIndex:(at + 1) % count]];
+  }
+}
+
+}  // namespace fax::host

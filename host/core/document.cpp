@@ -1,0 +1,126 @@
+#include "host/core/document.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <string_view>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "host/core/utf8.h"
+
+namespace fax::host {
+
+struct Document::State {
+  State() = default;
+  State(State const &) = delete;
+  State &operator=(State const &) = delete;
+  ~State() {
+    if (descriptor >= 0) close(descriptor);
+  }
+
+  int descriptor = -1;  // of the file, or -1 for a document in memory
+  std::string bytes;    // of a document in memory
+  std::uint64_t size = 0;
+  std::string title;
+  std::string path;
+  std::string format;
+};
+
+namespace {
+
+constexpr std::size_t kLongestTitle = 255;  // bytes; the longest job name that IPP allows
+
+Failure cannot_open(std::string const &path, std::string const &why, std::string const &advice) {
+  return {ExitCode::file, "The document \"" + path + "\" " + why + ".", advice};
+}
+
+std::string format_of(std::string_view beginning) {
+  if (beginning.starts_with("%!") || beginning.starts_with("\x04%!")) return "application/postscript";
+  // Some programs put a few bytes of their own before the header; readers look for it in the first 1,024 bytes.
+  if (beginning.find("%PDF-") != std::string_view::npos) return "application/pdf";
+  return "application/octet-stream";
+}
+
+}  // namespace
+
+Document::Document(std::shared_ptr<State const> state) : state_(std::move(state)) {}
+
+Result<Document> Document::open(std::string const &path) {
+  auto const state = std::make_shared<State>();
+  // Without O_NONBLOCK, opening a named pipe would wait for a writer.
+  state->descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+  if (state->descriptor < 0) {
+    int const error = errno;
+    if (error == ENOENT || error == ENOTDIR) return cannot_open(path, "does not exist", "Check the name.");
+    if (error == EACCES) return cannot_open(path, "may not be read by you", "Check the file's permissions.");
+    return cannot_open(path, std::string("cannot be opened: ") + std::strerror(error), "");
+  }
+  struct stat about {};
+  if (fstat(state->descriptor, &about) != 0)
+    return cannot_open(path, std::string("cannot be examined: ") + std::strerror(errno), "");
+  if (S_ISDIR(about.st_mode)) return cannot_open(path, "is a folder", "Name a document inside it.");
+  if (!S_ISREG(about.st_mode)) return cannot_open(path, "is no regular file", "Save the document to a file first.");
+  if (about.st_size == 0) return cannot_open(path, "is empty", "Save the document again in the program it comes from.");
+  state->size = static_cast<std::uint64_t>(about.st_size);
+  state->title = display_title(path);
+  state->path = path;
+  Document document(state);
+  std::array<char, 1024> beginning;
+  auto const got = document.read(0, beginning);
+  if (!got) return got.failure();
+  state->format = format_of({beginning.data(), got.value()});
+  return document;
+}
+
+Document Document::of_bytes(std::string bytes, std::string title) {
+  auto const state = std::make_shared<State>();
+  state->bytes = std::move(bytes);
+  state->size = state->bytes.size();
+  state->title = title.empty() ? display_title("") : std::move(title);
+  state->format = format_of(std::string_view(state->bytes).substr(0, 1024));
+  return Document(state);
+}
+
+std::uint64_t Document::size() const { return state_->size; }
+std::string const &Document::title() const { return state_->title; }
+std::string const &Document::path() const { return state_->path; }
+std::string const &Document::format() const { return state_->format; }
+
+Result<std::size_t> Document::read(std::uint64_t offset, std::span<char> buffer) const {
+  if (state_->descriptor < 0) {
+    std::string_view const rest = std::string_view(state_->bytes).substr(std::min<std::uint64_t>(offset, size()));
+    return rest.copy(buffer.data(), buffer.size());
+  }
+  std::size_t done = 0;
+  while (done < buffer.size()) {
+    ssize_t const got = pread(state_->descriptor, buffer.data() + done, buffer.size() - done,
+                              static_cast<off_t>(offset + done));
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0) return cannot_open(path(), std::string("cannot be read: ") + std::strerror(errno), "");
+    if (got == 0) break;
+    done += static_cast<std::size_t>(got);
+  }
+  return done;
+}
+
+std::string display_title(std::string const &path) {
+  std::string_view name = path;
+  name.remove_prefix(name.rfind('/') + 1);
+  std::size_t const dot = name.rfind('.');
+  if (dot != std::string_view::npos && dot > 0) name = name.substr(0, dot);
+  std::string title;
+  while (!name.empty()) {
+    std::size_t const length = utf8_length(name);
+    bool const control = length == 1 && (static_cast<unsigned char>(name[0]) < 0x20 || name[0] == 0x7F);
+    std::string_view const piece = length == 0 || control ? std::string_view("_") : name.substr(0, length);
+    if (title.size() + piece.size() > kLongestTitle) break;
+    title += piece;
+    name.remove_prefix(std::max<std::size_t>(length, 1));
+  }
+  return title.empty() ? "Untitled" : title;
+}
+
+}  // namespace fax::host

@@ -1,0 +1,47 @@
+// The document to send.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+
+#include "host/core/failure.h"
+
+namespace fax::host {
+
+// Open for as long as it lives, so that a file that is renamed or deleted while the dialog is open is still sent.
+// Copies share the one open file.
+class Document {
+public:
+  // Failure (ExitCode::file): missing, unreadable, a folder, no regular file, or empty.
+  static Result<Document> open(std::string const &path);
+
+  // A document in memory.
+  static Document of_bytes(std::string bytes, std::string title);
+
+  std::uint64_t size() const;  // bytes, at the time it was opened; never 0 for a file
+  std::string const &title() const;  // UTF-8, never empty: display_title() of the path
+  std::string const &path() const;   // as given; "" for a document in memory
+
+  // MIME type by the first bytes: "application/pdf", "application/postscript", or "application/octet-stream", for which
+  // CUPS looks for itself.
+  std::string const &format() const;
+
+  // Reads up to buffer.size() bytes at offset; fewer only at the end. Failure (ExitCode::file): a read error. Any
+  // thread.
+  Result<std::size_t> read(std::uint64_t offset, std::span<char> buffer) const;
+
+private:
+  struct State;
+  explicit Document(std::shared_ptr<State const> state);
+  std::shared_ptr<State const> state_;
+};
+
+// A title for people: the file's name without folders and without its extension; control characters and bytes that are
+// no UTF-8 become "_"; at most 255 bytes, cut between characters. "/a/b/Report 3.pdf" -> "Report 3", ".pdf" -> ".pdf",
+// "" -> "Untitled".
+std::string display_title(std::string const &path);
+
+}  // namespace fax::host

@@ -1,0 +1,15 @@
+// Checks of UTF-8 text.
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+namespace fax::host {
+
+// Bytes (1..4) of the character at the start of text, or 0 where text is empty or does not begin with valid UTF-8
+// (over-long forms, surrogates and numbers past U+10FFFF are not valid).
+std::size_t utf8_length(std::string_view text);
+
+bool is_utf8(std::string_view text);
+
+}  // namespace fax::host

@@ -1,0 +1,10 @@
+#import "host/fence.h"
+
+NSException *HostFence(void (*work)(void *), void *context) {
+  @try {
+    work(context);
+  } @catch (NSException *exception) {
+    return [[exception retain] autorelease];
+  }
+  return nil;
+}

@@ -1,0 +1,198 @@
+// faxprint: the print dialog for Linux.
+#import <AppKit/AppKit.h>
+
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <filesystem>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+#include "host/core/command_line.h"
+#include "host/core/document.h"
+#include "host/core/ppd_file.h"
+#include "host/core/queues.h"
+#include "host/x_display.h"
+
+#import "host/HostDialog.h"
+#import "host/HostScreenMap.h"
+#import "host/controls.h"
+#import "host/fence.h"
+#import "host/text.h"
+
+using namespace fax::host;
+
+// Shows the dialog when the application is ready and ends the application with it.
+@interface HostApplication : NSObject <HostDialogOwner> {
+  DialogRequest const *_request;
+  HostDialog *_dialog;
+  HostScreenMap *_map;
+  NSFileHandle *_wake;  // readable at once, which wakes the run loop
+}
+- (id)initWithRequest:(DialogRequest const *)request;
+- (ExitCode)exitCode;
+@end
+
+@implementation HostApplication
+
+- (id)initWithRequest:(DialogRequest const *)request {
+  if (!(self = [super init])) return nil;
+  _request = request;
+  return self;
+}
+
+- (void)dealloc {
+  [_map stop];
+  [_map release];
+  [_dialog release];
+  [_wake release];
+  [super dealloc];
+}
+
+- (ExitCode)exitCode {
+  return _dialog ? [_dialog exitCode] : ExitCode::cancelled;
+}
+
+// How long the toolkit needs for a window without anything in it: what the dialog's own times are compared with.
+- (void)timeEmptyWindow {
+  auto const start = std::chrono::steady_clock::now();
+  NSWindow *empty = [[NSWindow alloc] initWithContentRect:NSMakeRect(100, 100, 560, 470)
+                                                styleMask:NSTitledWindowMask | NSClosableWindowMask
+                                                  backing:NSBackingStoreBuffered
+                                                    defer:NO];
+  [empty setReleasedWhenClosed:NO];
+  [empty makeKeyAndOrderFront:nil];
+  draw_now(empty);
+  std::chrono::duration<double, std::milli> const took = std::chrono::steady_clock::now() - start;
+  [empty orderOut:nil];
+  [empty release];
+  std::printf("empty window: %.1f ms\n", took.count());
+  std::fflush(stdout);
+}
+
+- (void)applicationDidFinishLaunching:(NSNotification *)notification {
+  // The toolkit's handlers end the application as if all had gone well, and can hang inside a modal dialog.
+  std::signal(SIGTERM, SIG_DFL);
+  std::signal(SIGINT, SIG_DFL);
+  if (_request->command_line.timing) [self timeEmptyWindow];
+  _dialog = [[HostDialog alloc] initWithRequest:*_request owner:self alerts:[[HostAlerts new] autorelease]];
+  if (_request->command_line.ui_map) {
+    _map = [[HostScreenMap alloc] initWithPath:ns(*_request->command_line.ui_map)];
+    [_map start];
+  }
+  [_dialog show];
+}
+
+- (void)dialogDidFinish:(HostDialog *)dialog {
+  [NSApp stop:self];
+  // The loop looks at the stop only after an event, and at an event of our own only when something comes in.
+  [NSApp postEvent:[NSEvent otherEventWithType:NSApplicationDefined
+                                      location:NSZeroPoint
+                                 modifierFlags:0
+                                     timestamp:0
+                                  windowNumber:0
+                                       context:nil
+                                       subtype:0
+                                         data1:0
+                                         data2:0]
+           atStart:NO];
+  int ends[2];
+  if (pipe(ends) != 0) return;
+  _wake = [[NSFileHandle alloc] initWithFileDescriptor:ends[0] closeOnDealloc:YES];
+  [_wake waitForDataInBackgroundAndNotifyForModes:[NSArray arrayWithObjects:NSDefaultRunLoopMode,
+                                                                            NSModalPanelRunLoopMode, nil]];
+  close(ends[1]);
+}
+
+@end
+
+static int Fail(Failure const &failure) {
+  std::fprintf(stderr, "faxprint: %s\n", failure.text().c_str());
+  return static_cast<int>(failure.code);
+}
+
+// The application wrapper, or the folder that the program is in.
+static std::filesystem::path ApplicationFolder() {
+  std::error_code failed;
+  auto const program = std::filesystem::read_symlink("/proc/self/exe", failed);
+  return failed ? std::filesystem::current_path() : program.parent_path();
+}
+
+// Everything that can go wrong before there is a window.
+static Result<DialogRequest> Prepare(CommandLine const &line) {
+  auto document = Document::open(line.file);
+  if (!document) return document.failure();
+  std::error_code ignored;
+  if (line.extension && !std::filesystem::is_directory(*line.extension, ignored)) {
+    return Failure{ExitCode::extension, "There is no print dialog extension at \"" + *line.extension + "\".",
+                   "Give the path of a bundle with --extension."};
+  }
+  Server const server = Server::current();
+  auto queues = list_queues(server);
+  if (!queues) return queues.failure();
+  auto queue = choose_queue(queues.value(), line.printer);
+  if (!queue) return queue.failure();
+  auto ppd = PpdFile::of_queue(server, queue.value().name);
+  if (!ppd) return ppd.failure();
+  if (ppd.value()) {
+    if (auto failed = ppd.value()->mark_initial(queue.value().defaults, line.options)) return *failed;
+  }
+  return DialogRequest{server,           queues.value(), queue.value(), std::move(ppd.value()),
+                       document.value(), line,           ApplicationFolder()};
+}
+
+static int RunDialog(DialogRequest const &request) {
+  if (!display_answers()) {
+    std::fprintf(stderr, "faxprint: There is no display to show the print dialog on. Start it in a desktop session, or "
+                         "set DISPLAY.\n");
+    return static_cast<int>(ExitCode::usage);
+  }
+  int code = 0;
+  NSException *raised = fenced([&] {
+    [[NSUserDefaults standardUserDefaults]
+        registerDefaults:[NSDictionary dictionaryWithObject:@"YES" forKey:@"GSSuppressAppIcon"]];
+    [NSApplication sharedApplication];
+    HostApplication *application = [[HostApplication alloc] initWithRequest:&request];
+    [NSApp setDelegate:(id)application];
+    [NSApp run];
+    code = static_cast<int>([application exitCode]);
+    [NSApp setDelegate:nil];
+    [application release];
+  });
+  if (!raised) return code;
+  std::fprintf(stderr, "faxprint: The dialog failed: %s\n", utf8([raised reason]).c_str());
+  return static_cast<int>(ExitCode::submission);
+}
+
+static int Run(std::vector<std::string> const &arguments) {
+  auto const line = parse_command_line(arguments);
+  if (!line) return Fail(line.failure());
+  switch (line.value().action) {
+    case CommandLine::Action::help: std::fputs(help_text().c_str(), stdout); return 0;
+    case CommandLine::Action::version: std::fputs(version_text().c_str(), stdout); return 0;
+    case CommandLine::Action::list: {
+      auto const queues = list_queues(Server::current());
+      if (!queues) return Fail(queues.failure());
+      std::fputs(queue_table(queues.value()).c_str(), stdout);
+      return 0;
+    }
+    case CommandLine::Action::print: break;
+  }
+  auto const request = Prepare(line.value());
+  if (!request) return Fail(request.failure());
+  return RunDialog(request.value());
+}
+
+int main(int argc, char **argv) {
+  // The toolkit reads the arguments too and would open a file named there as a document of its own.
+  char program[] = "faxprint";
+  char *own[] = {argc > 0 ? argv[0] : program, nullptr};
+  [NSProcessInfo initializeWithArguments:own count:1 environment:environ];
+  NSAutoreleasePool *pool = [NSAutoreleasePool new];
+  int const code = Run({argv + (argc > 0 ? 1 : 0), argv + argc});
+  [pool release];
+  std::fflush(nullptr);
+  // The toolkit's own clean-up at exit waits for its daemons; everything of ours is done.
+  _exit(code);
+}

@@ -1,0 +1,64 @@
+// The program as a person starts it: what it says and its exit codes, where no window can or should open.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <string>
+#include <sys/wait.h>
+
+namespace {
+
+struct Ended {
+  int code = -1;
+  std::string said;
+};
+
+Ended run(std::string const &environment, std::string const &arguments) {
+  std::string const command = "cd / && env -u DISPLAY " + environment + " " FAXPRINT " " + arguments + " 2>&1";
+  Ended ended;
+  std::FILE *pipe = popen(command.c_str(), "r");
+  char buffer[4096];
+  while (std::size_t const got = std::fread(buffer, 1, sizeof buffer, pipe)) ended.said.append(buffer, got);
+  int const status = pclose(pipe);
+  ended.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  return ended;
+}
+
+struct ProgramCase {
+  char const *name;
+  char const *environment;
+  char const *arguments;
+  int code;
+  char const *says;
+};
+
+class Program : public testing::TestWithParam<ProgramCase> {};
+
+TEST_P(Program, EndsAsDocumented) {
+  auto const ended = run(GetParam().environment, GetParam().arguments);
+  EXPECT_EQ(ended.code, GetParam().code) << ended.said;
+  EXPECT_NE(ended.said.find(GetParam().says), std::string::npos) << ended.said;
+  if (ended.code != 0) {
+    EXPECT_EQ(std::count(ended.said.begin(), ended.said.end(), '\n'), 1) << ended.said;
+  }
+}
+
+constexpr char kNoService[] = "CUPS_SERVER=/nowhere/cups.sock";
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, Program,
+    testing::Values(ProgramCase{"help", "", "--help", 0, "--printer"},
+                    ProgramCase{"version", "", "--version", 0, "faxprint"},
+                    ProgramCase{"unknown_option", "", "--nonsense", 2, "--nonsense"},
+                    ProgramCase{"no_file_given", "", "", 2, "faxprint"},
+                    ProgramCase{"copies_no_number", "", "--copies x a.pdf", 2, "copies"},
+                    ProgramCase{"file_missing", kNoService, "/nowhere/a.pdf", 3, "/nowhere/a.pdf"},
+                    ProgramCase{"file_is_a_folder", kNoService, "/", 3, "\"/\""},
+                    ProgramCase{"extension_missing", kNoService, "--extension /nowhere/A.bundle " FAXPRINT, 6,
+                                "/nowhere/A.bundle"},
+                    ProgramCase{"no_service", kNoService, FAXPRINT, 4, "print service"},
+                    ProgramCase{"list_without_service", kNoService, "--list", 4, "print service"}),
+    [](auto const &info) { return std::string{info.param.name}; });
+
+}  // namespace
