@@ -206,7 +206,8 @@ bool same_text(NSString *one, NSString *other) { return one == other || [one isE
   [self addDestinationNamed:addressName phoneNumber:addressPhoneNumber];
   [self setValue:@"" forKey:@"addressName"];
   [self setValue:@"" forKey:@"addressPhoneNumber"];
-  [faxSettingPanel makeFirstResponder:addressNameTextField];
+  // Ready for the next one.
+  [[addressNameTextField window] makeFirstResponder:addressNameTextField];
 }
 
 - (IBAction)editAddressInfo:(id)sender {
