@@ -140,10 +140,20 @@ class Screen:
         self.control(window_title, title, "TextField", value=shown or text)
 
     def choose(self, window_title, title, item):
-        """Picks an item of a pop-up: press, go there, release, as with a mouse button held down."""
-        popup = self.control(window_title, title, "PopUp", enabled=True)
-        if popup["value"] == item:
-            return
+        """Picks an item of a pop-up. Now and then the toolkit closes the menu at a release without taking it for a
+        choice, when it is slow to follow the mouse; a person tries again then, and so does the tour, twice."""
+        for _ in range(3):
+            popup = self.control(window_title, title, "PopUp", enabled=True)
+            if popup["value"] == item:
+                return
+            self.drag_to_item(popup, item)
+            end = time.monotonic() + 5
+            while time.monotonic() < end and self.control(window_title, title, "PopUp")["value"] != item:
+                time.sleep(0.1)
+        self.control(window_title, title, "PopUp", value=item)
+
+    def drag_to_item(self, popup, item):
+        """Presses, goes to the item, releases, as with a mouse button held down."""
         self.point_at(popup["frame"])
         run("xdotool", "mousedown", "1")
         try:
@@ -155,7 +165,6 @@ class Screen:
                     break
         finally:
             run("xdotool", "mouseup", "1")
-        self.control(window_title, title, "PopUp", value=item)
 
     def menu_item(self, title):
         return wait_for(f'the menu item "{title}"', lambda: next(
