@@ -43,7 +43,7 @@ std::optional<DefaultRoute> default_route(std::string_view table, std::vector<In
       continue;
     if (destination != 0 || mask != 0 || (flags & kRouteUp) == 0 || (flags & kRouteReject) != 0) continue;
     Interface const *interface = find_interface(interfaces, name);
-    if (interface == nullptr || !interface->active) continue;
+    if (interface == nullptr || !interface->active || interface->addresses.empty()) continue;
     if (best && metric >= best_metric) continue;
     best = DefaultRoute{name, gateway == 0 ? "" : dotted(in_addr{gateway})};
     best_metric = metric;

@@ -20,8 +20,8 @@ struct DefaultRoute {
 };
 
 // The default route that traffic takes: the one with the least metric (the first of equals) among those that are up,
-// reject nothing and leave by an active interface. table: the text of /proc/net/route; a line that cannot be read is
-// passed over.
+// reject nothing and leave by an active interface with an address. table: the text of /proc/net/route; a line that
+// cannot be read is passed over.
 std::optional<DefaultRoute> default_route(std::string_view table, std::vector<Interface> const &interfaces);
 
 // The interface of that name, or nullptr.

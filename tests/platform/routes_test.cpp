@@ -39,7 +39,8 @@ class DefaultRoute : public testing::TestWithParam<Row> {};
 
 TEST_P(DefaultRoute, IsTheOneTaken) {
   std::vector<fax::Interface> const interfaces{
-      {"eth0", true, {"10.0.0.5"}}, {"wlan0", true, {}}, {"ppp0", true, {}}, {"eth1", false, {"10.1.0.5"}}};
+      {"eth0", true, {"10.0.0.5"}}, {"wlan0", true, {"10.2.0.5"}}, {"ppp0", true, {"10.3.0.5"}}, {"eth1", false, {"10.1.0.5"}},
+      {"br0", true, {}}};
   auto const route = fax::default_route(GetParam().table, interfaces);
   EXPECT_EQ(route ? route->interface : "", GetParam().interface);
   EXPECT_EQ(route ? route->router : "", GetParam().router);
@@ -51,6 +52,8 @@ INSTANTIATE_TEST_SUITE_P(Table, DefaultRoute, testing::Values(
         "10.0.0.1"},
     Row{"first_of_equals", kHead + via("wlan0", "10.2.0.1", 0) + via("eth0", "10.0.0.1", 0), "wlan0", "10.2.0.1"},
     Row{"interface_down", kHead + via("eth1", "10.1.0.1", 0) + via("eth0", "10.0.0.1", 100), "eth0", "10.0.0.1"},
+    Row{"interface_without_address", kHead + via("br0", "10.4.0.1", 0) + via("eth0", "10.0.0.1", 100), "eth0",
+        "10.0.0.1"},
     Row{"interface_unknown", kHead + via("tun7", "10.1.0.1", 0), "", ""},
     Row{"only_one_down", kHead + via("eth1", "10.1.0.1", 0), "", ""},
     Row{"route_not_up", kHead + via("eth0", "10.0.0.1", 0, 2), "", ""},
