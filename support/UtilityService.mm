@@ -44,16 +44,10 @@ NSMutableDictionary *read_preferences(NSURL *file) {
   if (data == nil) return nil;
   NSPropertyListFormat format;
   NSString *error = nil;
-  id preferences = nil;
-  try {
-    preferences = [NSPropertyListSerialization propertyListFromData:data
-                                                   mutabilityOption:NSPropertyListMutableContainers
-                                                             format:&format
-                                                   errorDescription:&error];
-  } catch (...) {
-    // A damaged binary list raises.
-    return nil;
-  }
+  id preferences = [NSPropertyListSerialization propertyListFromData:data
+                                                    mutabilityOption:NSPropertyListMutableContainers
+                                                              format:&format
+                                                    errorDescription:&error];
   return checked(preferences, [NSMutableDictionary class]);
 }
 

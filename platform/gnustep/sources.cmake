@@ -6,8 +6,10 @@ set(gnustep_sources
   gnustep/DateFormatter.mm
   gnustep/DependentKeys.mm
   gnustep/KeyButtons.mm
+  gnustep/LinkedFile.mm
   gnustep/MenuTitle.mm
   gnustep/ObservedSetter.mm
+  gnustep/PropertyLists.mm
   gnustep/RefusedEdit.mm
   gnustep/TabView.mm
   gnustep/TableView.mm

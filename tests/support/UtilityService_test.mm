@@ -64,12 +64,6 @@ NSArray *counted_array(std::vector<NSString *> const &names) {
 
 }  // namespace
 
-// Under the address sanitizer: for an XML text that ends inside a tag the toolkit's reader asks for all memory there is
-// and takes the refusal for the error it reports.
-extern "C" __attribute__((visibility("default"))) char const *__asan_default_options() {
-  return "allocator_may_return_null=1";
-}
-
 // Exported, so that the toolkit's expansion of "~" finds it too.
 __attribute__((visibility("default"))) NSString *NSHomeDirectory(void) {
   return home ? *home : [NSString stringWithUTF8String:std::getenv("HOME")];
