@@ -150,6 +150,9 @@ static Boolean ShowForAppleHelp(CFURLRef page, CFStringRef anchor, void *context
   NSPoint top = NSZeroPoint;
   if (found != _state->anchors.end()) {
     NSLayoutManager *layout = [textView layoutManager];
+    // The text is laid out bit by bit when it is drawn; until then the view is too low to be scrolled.
+    [layout glyphRangeForTextContainer:[textView textContainer]];
+    [textView sizeToFit];
     NSRange const glyphs = [layout glyphRangeForCharacterRange:NSMakeRange(found->second, 1) actualCharacterRange:NULL];
     NSRect const line = [layout boundingRectForGlyphRange:glyphs inTextContainer:[textView textContainer]];
     CGFloat const lowest =
