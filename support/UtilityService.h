@@ -13,8 +13,8 @@
 + (BOOL)isSandboxed;
 // Takes the help book of the bundle with that identifier out of the user's help preferences
 // (~/Library/Preferences/com.apple.help.plist) when it is registered with a page inside a localisation folder
-// (".lproj"). In every other case, and when the file is not of the expected shape, leaves the file alone. The file is
-// replaced atomically.
+// (".lproj"). In every other case, and when the file is damaged or not of the expected shape, leaves the file alone. The
+// file is replaced atomically and keeps its permissions; when it cannot be written it stays as it was.
 + (void)removeHelpCacheForBundleID:(NSString *)identifier;
 // Is the user of that (POSIX) name a member of the group "admin", by the Identity Services? NO, with a line in the log,
 // when they fail.

@@ -238,6 +238,8 @@ TEST_F(HelpWindow, FolderByPrinter) {
   }
   goto_page_106(nullptr, nullptr, made, CFSTR("common"), CFSTR("Only here.htm"), nullptr);
   EXPECT_THAT(shown(), HasSubstr("common/Only here.htm"));
+  goto_page_106(nullptr, nullptr, made, nullptr, CFSTR("Start.htm"), nullptr);
+  EXPECT_EQ(shown(), "") << "no folder";
 }
 
 // No window is there to show it.
