@@ -84,10 +84,10 @@ protected:
     return testing::AssertionSuccess();
   }
 
-  static mode_t mode(fs::path const &path) {
+  static struct stat status(fs::path const &path) {
     struct stat status{};
     stat(path.c_str(), &status);
-    return status.st_mode & 07777;
+    return status;
   }
 
   fs::path const folder_ = "/mnt/h\xC3\xB6me/Library/Preferences", file_ = folder_ / "com.apple.help.plist";
@@ -149,15 +149,21 @@ TEST_F(HelpCacheFile, ThatCannotBeWritten) {
   EXPECT_THAT(names(), ElementsAre("com.apple.help.plist"));
 }
 
-TEST_F(HelpCacheFile, KeepsItsPermissions) {
+TEST_F(HelpCacheFile, KeepsItsPermissionsAndOwner) {
   for (mode_t const bits : {0600, 0640, 0644, 0666, 0400}) {
     fs::remove(file_);
     write(bytes_of(preferences()));
     chmod(file_.c_str(), bits);
     remove();
     EXPECT_TRUE(is_cleaned(read()));
-    EXPECT_EQ(mode(file_), bits);
+    EXPECT_EQ(status(file_).st_mode & 07777, bits);
   }
+  if (chown(file_.c_str(), 1234, 5678) != 0) return;  // one user is all that there is here
+  write(bytes_of(preferences()));
+  remove();
+  EXPECT_TRUE(is_cleaned(read()));
+  EXPECT_EQ(status(file_).st_uid, 1234u);
+  EXPECT_EQ(status(file_).st_gid, 5678u);
 }
 
 TEST_F(HelpCacheFile, BehindALink) {
