@@ -9,7 +9,7 @@
 
 #include <gmock/gmock.h>
 
-#include <chrono>
+#include <ctime>
 
 using testing::ElementsAre;
 
@@ -35,10 +35,11 @@ protected:
     return names;
   }
 
+  // Of the processor, whatever else the machine does.
   static double seconds(std::function<void()> const &work) {
-    auto const start = std::chrono::steady_clock::now();
+    std::clock_t const start = std::clock();
     work();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    return double(std::clock() - start) / CLOCKS_PER_SEC;
   }
 
 private:
@@ -125,9 +126,10 @@ TEST_F(Accounts, NameOfTheProcesssUserThatIsTooLong) {
   }
 }
 
-// The bounds are far above what is needed (tens of milliseconds), for machines under load and the sanitizers.
+// The bounds are far above what is needed (tens of milliseconds), for slow machines and the sanitizers; one look-up for
+// each member would take longer.
 TEST_F(Accounts, Thousands) {
-  constexpr int kMany = 10'000, kLinks = 1000;
+  constexpr int kMany = 10'000, kLinks = 300;
   std::string people = user_line("root", 0, 0), groups, list, chain;
   for (int i = 0; i < kMany; ++i) {
     std::string const number = std::to_string(i);
@@ -139,12 +141,12 @@ TEST_F(Accounts, Thousands) {
   }
   // One entry of more than a megabyte, and one before and behind it.
   std::string const huge = "huge:x:399:" + std::string(1 << 20, 'x') + ",user7\n";
-  test::replace_accounts(people, groups + huge + "admin:x:400:" + list + "\n" + chain + "link1000:x:60000:user9\n");
+  test::replace_accounts(people, groups + huge + "admin:x:400:" + list + "\n" + chain + "link300:x:60000:user9\n");
 
   std::vector<std::string> all, last;
   double const members_time = seconds([&] { all = members("admin"); });
   EXPECT_EQ(all.size(), std::size_t(kMany));
-  EXPECT_LT(members_time, 2);
+  EXPECT_LT(members_time, 1);
 
   double const chain_time = seconds([&] { last = members("link0"); });
   EXPECT_EQ(last.size(), kLinks + 1u);
