@@ -8,6 +8,7 @@ set(gnustep_sources
   gnustep/KeyButtons.mm
   gnustep/LinkedFile.mm
   gnustep/MenuTitle.mm
+  gnustep/NetService.mm
   gnustep/ObservedSetter.mm
   gnustep/PropertyLists.mm
   gnustep/RefusedEdit.mm
