@@ -372,9 +372,12 @@ std::optional<std::string_view> choice_text(NSDictionary *choices, char const *k
 }
 
 - (void)resolveByHostName:(std::string const &)host {
-  if (host.empty() || host.size() >= kHostRoom) return;
+  if (host.empty()) return;
+  // A name that does not fit is not cut into that of another host: the look-up gets an empty one, and fails.
+  char name[kHostRoom] = {};
+  if (host.size() < sizeof name) host.copy(name, host.size());
   char address[kHostRoom] = {};
-  if (CopyResolvedIPAddress(host.c_str(), address, sizeof address) != 0) return;
+  if (CopyResolvedIPAddress(name, address, sizeof address) != 0) return;
   keep(&printerAddress, [NSString stringWithCString:address encoding:NSASCIIStringEncoding]);
 }
 
