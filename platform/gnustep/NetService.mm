@@ -23,8 +23,8 @@ namespace {
 constexpr int kTimeout = -15;
 constexpr int kNoDaemon = -26;
 
-// The service stays until the run loop is done with what it is doing now.
-void keep_for_now(id service) { [[service retain] autorelease]; }
+// The object stays until the run loop is done with what it is doing now.
+void keep_for_now(id object) { [[object retain] autorelease]; }
 
 // The service that is just being started.
 thread_local id starting = nil;
@@ -75,12 +75,18 @@ fax::Repair<void(NSTimeInterval)> resolve{
       resolve(self, command, timeout);
     }};
 
-// What waits for Avahi's connection is removed, and released, in its own call when the connection breaks.
-fax::Repair<void(void *, int, void *, NSString *)> received_event{
-    "GSAvahiWatcher", "receivedEvent:type:extra:forMode:",
-    [](id self, SEL command, void *data, int type, void *extra, NSString *mode) {
+// What waits for Avahi's connection, on the run loop: it goes with its entry in the context, but goes on in this method,
+// and perhaps in the event that ended the connection.
+fax::Repair<void()> remove_watcher{
+    "GSAvahiWatcher", "removeFromContext", [](id self, SEL command) {
       keep_for_now(self);
-      received_event(self, command, data, type, extra, mode);
+      remove_watcher(self, command);
+    }};
+
+fax::Repair<void()> remove_timer{
+    "GSAvahiTimer", "removeFromContext", [](id self, SEL command) {
+      keep_for_now(self);
+      remove_timer(self, command);
     }};
 
 }  // namespace

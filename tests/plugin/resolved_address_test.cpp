@@ -109,6 +109,7 @@ TEST_F(ResolvedAddress, ALinkLocalAddressBearsItsInterfaceWhereItFits) {
   the_answer = {{AF_INET6, "fe80::1", 1}};
   EXPECT_EQ(resolve("printer").text, "fe80::1%en0");
   EXPECT_EQ(resolve("printer", 9).text, "fe80::1");
+  EXPECT_EQ(resolve("printer", 10).text, "fe80::1%e") << "both lengths make 10, the sign and the NUL do not count";
 }
 
 TEST_F(ResolvedAddress, AFailedLookUpIsToldAnEmptyOneIsNot) {
