@@ -95,6 +95,19 @@ TEST_F(BadInput, AddressListsOfAServiceAreReadAsFarAsTheyGo) {
   EXPECT_EQ(freed_services, int(std::size(lists)));
 }
 
+TEST_F(BadInput, AFailedServiceIsNamedStoppedAndReleased) {
+  id panel = test::new_panel("usb://Vendor/Model");
+  stopped_services = freed_services = 0;
+  std::string const log = test::error_output([&] {
+    [panel netService:(id)[[AnsweredService alloc] init] didNotResolve:nil];
+  });
+  EXPECT_THAT(log, testing::EndsWith("Failed to resolve the Bonjour service Answered\n"));
+  EXPECT_EQ(stopped_services, 1);
+  EXPECT_EQ(freed_services, 1);
+  EXPECT_EQ(test::address_of(panel), "") << "the address that was there stays";
+  [panel release];
+}
+
 TEST_F(BadInput, ServiceNamesThatAreNoTextStartNoResolution) {
   for (char const *uri : {
            "dnssd://%FF%FE._ipp._tcp.local/",            // no UTF-8
