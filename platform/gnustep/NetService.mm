@@ -7,8 +7,11 @@
 // - What Avahi refuses at once is told in the run loop; the toolkit tells it before -resolveWithTimeout: returns.
 // - Without Avahi or its message bus the delegate is told a failure too; the toolkit hands Avahi's library a client that
 //   is not there, and that ends the process.
+// - A bus or an Avahi that hangs counts as none after a second; the toolkit's questions to them would wait for 25 seconds
+//   each, on the main thread.
 #import <Foundation/Foundation.h>
 
+#include "platform/gnustep/avahi_answers.h"
 #include "platform/gnustep/repair.h"
 
 // Methods of the toolkit's own class for Avahi.
@@ -22,6 +25,9 @@ namespace {
 // Avahi's numbers for the failures.
 constexpr int kTimeout = -15;
 constexpr int kNoDaemon = -26;
+
+// A healthy Avahi answers within a millisecond.
+constexpr std::chrono::seconds kPatience{1};
 
 // The object stays until the run loop is done with what it is doing now.
 void keep_for_now(id object) { [[object retain] autorelease]; }
@@ -59,6 +65,13 @@ fax::Repair<void(void *, NSString *, NSString *, NSString *, NSString *, NSData 
       NSString *const own = [(NSNetService *)self type];
       if ([[type stringByAppendingString:@"."] isEqualToString:own]) type = own;
       found(self, command, resolver, name, type, domain, host, address, port, text, interface, protocol);
+    }};
+
+// Flags are set only where the toolkit is content to wait for an Avahi that comes later.
+fax::Repair<void(int, int *)> set_up_client{
+    "GSAvahiClient", "setupClientWithFlags:andReportError:", [](id self, SEL command, int flags, int *error) {
+      if (flags != 0 || fax::avahi_answers(kPatience)) return set_up_client(self, command, flags, error);
+      if (error != nullptr) *error = kNoDaemon;
     }};
 
 // The timer's message.

@@ -16,4 +16,5 @@ set(gnustep_sources
   gnustep/TableView.mm
   gnustep/XibFont.mm
   gnustep/XibLabel.mm
+  gnustep/avahi_answers.cpp
   gnustep/followed_rows.cpp)
