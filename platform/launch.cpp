@@ -32,8 +32,13 @@ std::string find_program(std::string const &name) {
   }
 }
 
+void tell(int report, int number) { [[maybe_unused]] ssize_t const written = write(report, &number, sizeof number); }
+
 // From here to the exec only calls that are safe after fork in a process with threads.
 [[noreturn]] void become(char const *path, char *const *arguments, int report) {
+  tell(report, getpid());
+  // What a host ignores stays ignored through an exec.
+  for (int signal_number = 1; signal_number < NSIG; ++signal_number) signal(signal_number, SIG_DFL);
   sigset_t none;
   sigemptyset(&none);
   sigprocmask(SIG_SETMASK, &none, nullptr);
@@ -42,14 +47,22 @@ std::string find_program(std::string const &name) {
   if (report > STDERR_FILENO + 1) close_range(STDERR_FILENO + 1, unsigned(report) - 1, 0);
   close_range(unsigned(report) + 1, ~0U, 0);
   execv(path, arguments);
-  int const error = errno;
-  [[maybe_unused]] ssize_t const written = write(report, &error, sizeof error);
+  tell(report, errno);
   _exit(127);
+}
+
+// The next number told; 0 when no more comes: the other end was closed.
+int next_told(int from) {
+  int number = 0;
+  ssize_t got;
+  while ((got = read(from, &number, sizeof number)) < 0 && errno == EINTR) {
+  }
+  return got == ssize_t(sizeof number) ? number : 0;
 }
 
 }  // namespace
 
-int launch(std::vector<std::string> const &arguments) {
+int launch(std::vector<std::string> const &arguments, pid_t *process) {
   if (arguments.empty()) return EINVAL;
   std::string const path = find_program(arguments[0]);
   if (path.empty()) return ENOENT;
@@ -57,7 +70,8 @@ int launch(std::vector<std::string> const &arguments) {
   for (auto const &argument : arguments) pointers.push_back(const_cast<char *>(argument.c_str()));
   pointers.push_back(nullptr);
 
-  // The program's end of the pipe closes when it starts, or brings the error.
+  // What comes through the pipe: the number of the program's process, or why there is none as a negative number; then
+  // why the program does not run. When it runs, its end of the pipe is closed.
   int ends[2];
   if (pipe2(ends, O_CLOEXEC) != 0) return errno;
   // A host may run with one of the first three closed; the child is about to overwrite them.
@@ -74,10 +88,7 @@ int launch(std::vector<std::string> const &arguments) {
     setsid();
     pid_t const program = fork();
     if (program == 0) become(path.c_str(), pointers.data(), report);
-    if (program < 0) {
-      int const error = errno;
-      [[maybe_unused]] ssize_t const written = write(report, &error, sizeof error);
-    }
+    if (program < 0) tell(report, -errno);
     _exit(0);
   }
   int const fork_error = errno;
@@ -88,12 +99,12 @@ int launch(std::vector<std::string> const &arguments) {
   }
   while (waitpid(between, nullptr, 0) < 0 && errno == EINTR) {
   }
-  int error = 0;
-  ssize_t got;
-  while ((got = read(ends[0], &error, sizeof error)) < 0 && errno == EINTR) {
-  }
+  int const number = next_told(ends[0]);
+  int const error = next_told(ends[0]);
   close(ends[0]);
-  return got == ssize_t(sizeof error) ? error : 0;
+  if (number <= 0) return number < 0 ? -number : EAGAIN;
+  if (error == 0 && process != nullptr) *process = number;
+  return error;
 }
 
 }  // namespace fax

@@ -1,5 +1,6 @@
 # The repairs of GNUstep's own classes, one file each.
 set(gnustep_sources
+  gnustep/ApplicationTask.mm
   gnustep/ArrayController.mm
   gnustep/BindingNull.mm
   gnustep/BundleNib.mm
@@ -14,6 +15,7 @@ set(gnustep_sources
   gnustep/RefusedEdit.mm
   gnustep/TabView.mm
   gnustep/TableView.mm
+  gnustep/Workspace.mm
   gnustep/XibFont.mm
   gnustep/XibLabel.mm
   gnustep/avahi_answers.cpp

@@ -4,6 +4,7 @@
 
 #include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -46,12 +47,15 @@ TEST_F(Launch, ProgramRunsOnItsOwn) {
   fs::path const told = folder_ / "told";
   int open_end[2];
   ASSERT_EQ(pipe(open_end), 0);  // not closed on exec: the program must not get it all the same
-  std::string const path = program("#!/bin/sh\n{ printf '%s|' \"$@\"; ls -l /proc/$$/fd; } > '" +
+  std::signal(SIGUSR1, SIG_IGN);  // a program must not start with what we ignore
+  std::string const path = program("#!/bin/sh\n{ echo $$; grep SigIgn /proc/$$/status; printf '%s|' \"$@\"; ls -l /proc/$$/fd; } > '" +
                                    told.string() + ".new'\nmv '" + told.string() + ".new' '" + told.string() + "'\n");
-  EXPECT_EQ(fax::launch({path, "a b", "$HOME"}), 0);
+  pid_t process = 0;
+  EXPECT_EQ(fax::launch({path, "a b", "$HOME"}, &process), 0);
+  std::signal(SIGUSR1, SIG_DFL);
   for (int i = 0; i < 500 && !fs::exists(told); ++i) std::this_thread::sleep_for(std::chrono::milliseconds(10));
   std::string const text = text_of(told);
-  EXPECT_THAT(text, testing::StartsWith("a b|$HOME|"));
+  EXPECT_THAT(text, testing::StartsWith(std::to_string(process) + "\nSigIgn:\t0000000000000000\na b|$HOME|"));
   struct stat pipe_status;
   ASSERT_EQ(fstat(open_end[0], &pipe_status), 0);
   EXPECT_THAT(text, testing::HasSubstr("2 -> /dev/null"));

@@ -1,0 +1,28 @@
+// The programs that run for this user on this display.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <sys/types.h>
+#include <vector>
+
+namespace fax {
+
+struct RunningProgram {
+  pid_t process = 0;
+  // Of the file that the kernel runs, absolute and without links: of a script, its interpreter. A program that was
+  // replaced while it ran has the path it was started from.
+  std::string path;
+};
+
+// In the order of process numbers. Left out: other users' processes, those that have ended and are not waited for yet,
+// and those that were started for another display than ours (nullopt: we have none, all count). processes is the
+// folder where the kernel shows them; where it shows none, the answer is empty.
+std::vector<RunningProgram> running_programs(std::optional<std::string> const &our_display,
+                                             std::string const &processes = "/proc");
+
+// The part of an X display's name that tells one display from another: "localhost:10.1" -> "localhost:10".
+std::string_view display_without_screen(std::string_view display);
+
+}  // namespace fax
