@@ -1,5 +1,6 @@
 # The repairs of GNUstep's own classes, one file each.
 set(gnustep_sources
+  gnustep/Alert.mm
   gnustep/ApplicationTask.mm
   gnustep/ArrayController.mm
   gnustep/BindingNull.mm
