@@ -6,15 +6,19 @@
 Starts a private CUPS and the print dialog on FILE, then clicks and types as a person would; the positions of the
 controls come from the dialog's own map of the screen (faxprint --ui-map). Every window is pictured in DIR. At the end
 the ticket that the driver's filter wrote is printed and compared with what was entered, field by field, and the document
-byte by byte. Exit code 0 only when all is equal.
+byte by byte. So are the arguments that a stand-in of the address book editor was started with by the panel's button.
+Exit code 0 only when all is equal.
 
-Needs a display of its own (script/headless gives one) with a window manager, setxkbmap, xdotool and import.
+Needs a display and application folders of its own (script/headless gives both), with a window manager, setxkbmap,
+xdotool and import.
 """
 
 import argparse
 import json
 import os
+import re
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
@@ -38,6 +42,11 @@ CHOICES = [
 
 PANEL = "Fax Settings"
 FAX_DIALOG = "Send Fax"
+
+OPEN_EDITOR = "Open Address Book Editor..."
+EDITOR = "Address Book Editor"
+# Of the queue that the private CUPS makes; each is one argument, with a space inside.
+EDITOR_ARGUMENTS = ["-DFAXConnectionType NET", "-DFAXAddress 127.0.0.1"]
 
 
 class TourError(Exception):
@@ -179,13 +188,79 @@ class Screen:
             return front[0] if len(front) == 1 else None
 
         x, y, width, height = wait_for("one window that has the keyboard", look)["frame"]
+        self.import_picture(name, "root", "-crop", f"{width}x{height}+{x}+{y}", "+repage")
+
+    def picture_of_active_window(self, name):
+        """The same, of whatever program the window is."""
+        self.import_picture(name, run("xdotool", "getactivewindow").strip())
+
+    def import_picture(self, name, window, *part):
         time.sleep(0.3)  # drawn
         self.taken += 1
-        path = os.path.join(self.pictures, f"{self.taken:02d}-{name}.png")
-        run("import", "-silent", "-window", "root", "-crop", f"{width}x{height}+{x}+{y}", "+repage", path)
+        run("import", "-silent", "-window", window, *part, os.path.join(self.pictures, f"{self.taken:02d}-{name}.png"))
 
 
-def send_one_fax(screen):
+class Editor:
+    """The stand-in of the address book editor, not installed yet."""
+
+    def __init__(self, build, work):
+        self.built = os.path.join(build, "tests", "editor_stand_in", "AddressBookEditor.app")
+        self.records = os.path.join(work, "editor")
+        os.mkdir(self.records)
+
+    def install(self):
+        with open(os.environ["GNUSTEP_CONFIG_FILE"], encoding="utf-8") as file:
+            settings = dict(line.rstrip("\n").split("=", 1) for line in file if re.match("[A-Z_]+=", line))
+        shutil.copytree(self.built, os.path.join(settings["GNUSTEP_LOCAL_APPS"], os.path.basename(self.built)))
+
+    def started(self):
+        """The process numbers of those started so far."""
+        return [int(name[:-4]) for name in os.listdir(self.records) if name.endswith(".txt")]
+
+    def arguments(self, process):
+        with open(os.path.join(self.records, f"{process}.txt"), encoding="utf-8") as file:
+            return file.read().splitlines()[1:]
+
+    def end(self):
+        for process in self.started():
+            try:
+                os.kill(process, signal.SIGKILL)
+            except ProcessLookupError:
+                pass
+
+
+def active_title():
+    shown = subprocess.run(["xdotool", "getactivewindow", "getwindowname"], capture_output=True, encoding="utf-8",
+                           check=False)
+    return shown.stdout.strip()
+
+
+def open_editor(screen, panel, editor):
+    """The panel's button: nothing installed, then an editor that it starts, then one that runs behind the dialog."""
+    screen.press(panel, OPEN_EDITOR)
+    refusal = wait_for("the message that there is no editor", lambda: next(
+        (c for w in screen.windows() for c in w["controls"] if c["title"] == "OK" and c["enabled"]), None))
+    screen.picture("no-editor")
+    screen.click(refusal["frame"])
+
+    editor.install()
+    screen.press(panel, OPEN_EDITOR)
+    process = wait_for("the editor", editor.started)[0]
+    run("xdotool", "search", "--sync", "--onlyvisible", "--name", f"^{EDITOR}$")
+    run("xdotool", "search", "--name", f"^{panel}$", "windowactivate", "--sync")
+    screen.press(panel, OPEN_EDITOR)
+    wait_for("the editor to come forward", lambda: active_title() == EDITOR)
+    screen.picture_of_active_window("address-book-editor")
+    wrong = differences(editor.arguments(process), EDITOR_ARGUMENTS, "the editor's arguments")
+    if editor.started() != [process]:
+        wrong.append("the editor was started twice")
+    editor.end()
+    if wrong:
+        raise TourError("\n".join(wrong))
+    print(f"The editor was started once, with {editor.arguments(process)}")
+
+
+def send_one_fax(screen, editor):
     """From the first window to the last."""
     panel = wait_for("the print dialog", lambda: next(
         (w["title"] for w in screen.windows() if any("Print" == c["title"] for c in w["controls"])), None))
@@ -198,6 +273,7 @@ def send_one_fax(screen):
         screen.choose(panel, "Options", item)
         if item != PANEL:
             screen.picture(item.lower().replace(" ", "-"))
+    open_editor(screen, panel, editor)
     screen.press(panel, "Print")
 
     screen.wait_window(FAX_DIALOG)
@@ -250,7 +326,7 @@ def differences(got, wanted, place="ticket"):
     if isinstance(got, dict) and isinstance(wanted, dict):
         return [line for key in sorted(got.keys() | wanted.keys())
                 for line in differences(got.get(key), wanted.get(key), f"{place}.{key}")]
-    return [] if got == wanted else [f"{place} is {got!r}, entered was {wanted!r}"]
+    return [] if got == wanted else [f"{place}: {got!r} instead of {wanted!r}"]
 
 
 def tour(arguments, work):
@@ -262,14 +338,16 @@ def tour(arguments, work):
     map_file = os.path.join(work, "map.json")
     output = open(os.path.join(work, "faxprint.log"), "w+", encoding="utf-8")
     program = None
+    editor = Editor(arguments.build, work)
     try:
         title = os.path.splitext(os.path.basename(arguments.file))[0]
         program = subprocess.Popen(
             [os.path.join(arguments.build, "faxprint.app", "faxprint"), "--ui-map", map_file, arguments.file],
-            env={**os.environ, "CUPS_SERVER": start.strip()}, stdin=subprocess.DEVNULL, stdout=output, stderr=output)
+            env={**os.environ, "CUPS_SERVER": start.strip(), "DIRECTFAX_EDITOR_RECORDS": editor.records},
+            stdin=subprocess.DEVNULL, stdout=output, stderr=output)
         screen = Screen(map_file, arguments.pictures, program)
         try:
-            send_one_fax(screen)
+            send_one_fax(screen, editor)
             code = program.wait(timeout=30)
         except Exception:
             run("import", "-silent", "-window", "root", os.path.join(arguments.pictures, "failed.png"))
@@ -298,6 +376,7 @@ def tour(arguments, work):
         if program is not None and program.poll() is None:
             program.kill()
             program.wait()
+        editor.end()
         output.close()
         run(os.path.join(SCRIPTS, "private-cups"), "stop", cups)
 

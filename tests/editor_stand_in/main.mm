@@ -1,6 +1,7 @@
 // Writes its process number's file PROCESS.txt into the folder that DIRECTFAX_EDITOR_RECORDS names: a line with the
 // number of descriptors that it was given beyond its three streams, then a line for each argument. Then it shows a
-// window with the arguments. DIRECTFAX_EDITOR_MODE: "dies" ends it after the record, "hides" leaves the window out.
+// window with the arguments. DIRECTFAX_EDITOR_MODE: after the record "dies" ends it, and "waits" waits for its end,
+// unknown to the toolkit's daemons.
 #import <AppKit/AppKit.h>
 
 #include <cstdlib>
@@ -71,10 +72,11 @@ int main(int count, char **arguments) {
   record(count, arguments);
   std::string const mode = variable("DIRECTFAX_EDITOR_MODE");
   if (mode == "dies") return 1;
+  if (mode == "waits") pause();
   NSAutoreleasePool *pool = [NSAutoreleasePool new];
   [NSApplication sharedApplication];
   [NSApp finishLaunching];
-  if (mode != "hides") show_window(count, arguments);
+  show_window(count, arguments);
   [NSApp run];
   [pool release];
 }

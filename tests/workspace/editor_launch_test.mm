@@ -37,7 +37,7 @@ TEST_F(EditorLaunch, TheEditorIsToldThePrintersAddress) {
       {"ipp://[2001:db8::7]:631/ipp/print", {"-DFAXConnectionType NET", "-DFAXAddress 2001:db8::7"}, false},
       {"serial:/dev/ttyS0", {}, true},
   };
-  applications_.set_editor_mode("hides");
+  applications_.set_editor_mode("waits");
   applications_.install_editor();
   for (auto const &row : cases) {
     SCOPED_TRACE(row.uri);
@@ -90,7 +90,7 @@ TEST_F(EditorLaunch, ARunningEditorComesForward) {
 }
 
 TEST_F(EditorLaunch, ARunningEditorIsNotStartedAgainThoughItHasNoWindow) {
-  applications_.set_editor_mode("hides");
+  applications_.set_editor_mode("waits");
   applications_.install_editor();
   id panel = panel_for("");
   [panel launchAddressBook:nil];

@@ -36,7 +36,7 @@ class PrivateApplications {
   // A wrapper without a program, described by information; gives the wrapper.
   std::filesystem::path install(std::filesystem::path const &wrapper, std::string const &information);
 
-  // "dies" or "hides", for stand-ins started from now on.
+  // "dies" or "waits", for stand-ins started from now on.
   void set_editor_mode(std::string const &mode);
   // The stand-ins started so far, waited for up to ten seconds while there are fewer than this many.
   std::vector<EditorRecord> editors(std::size_t at_least);

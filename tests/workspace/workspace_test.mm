@@ -95,7 +95,7 @@ TEST_F(WorkspaceTest, BrokenWrappersAreInNobodysWay) {
 
 TEST_F(WorkspaceTest, AStartedApplicationRunsUntilItEnds) {
   auto const wrapper = applications_.install_editor();
-  applications_.set_editor_mode("hides");
+  applications_.set_editor_mode("waits");
   EXPECT_EQ([running_editors() count], 0u);
   NSNumber *launched = nil;
   ASSERT_TRUE(launch(editor(), &launched));
@@ -121,7 +121,7 @@ TEST_F(WorkspaceTest, AStartedApplicationRunsUntilItEnds) {
 
 TEST_F(WorkspaceTest, AnotherDisplaysApplicationDoesNotRunHere) {
   applications_.install_editor();
-  applications_.set_editor_mode("hides");
+  applications_.set_editor_mode("waits");
   ASSERT_TRUE(launch(editor()));
   ASSERT_EQ(applications_.editors(1).size(), 1u);
   std::string const ours = std::getenv("DISPLAY");
@@ -189,6 +189,11 @@ TEST_F(WorkspaceTest, AToolIsTheToolkitsTask) {
   ASSERT_FALSE(raised);
   [task waitUntilExit];
   EXPECT_EQ([task terminationStatus], 1);
+}
+
+TEST_F(WorkspaceTest, AnAlertWithoutInformativeTextMakesNoneUp) {
+  NSAlert *alert = [[[NSAlert alloc] init] autorelease];
+  EXPECT_EQ(text([alert informativeText]), "") << "of nil the toolkit makes a text of its own when it runs";
 }
 
 }  // namespace
