@@ -53,8 +53,7 @@ std::string_view display_without_screen(std::string_view display) {
   return has_screen ? display.substr(0, point) : display;
 }
 
-std::vector<RunningProgram> running_programs(std::optional<std::string> const &our_display,
-                                             std::string const &processes) {
+std::vector<RunningProgram> running_programs(std::string const &processes) {
   std::vector<RunningProgram> found;
   std::error_code error;
   for (fs::directory_iterator at(processes, error); !error && at != fs::directory_iterator(); at.increment(error)) {
@@ -64,13 +63,15 @@ std::vector<RunningProgram> running_programs(std::optional<std::string> const &o
     auto const number = std::from_chars(name.data(), end, program.process);
     if (number.ec != std::errc() || number.ptr != end || !is_ours(at->path())) continue;
     program.path = program_of(at->path());
-    if (program.path.empty()) continue;
-    bool const here = !our_display || display_without_screen(display_of(at->path())) ==
-                                          display_without_screen(*our_display);
-    if (here) found.push_back(std::move(program));
+    if (!program.path.empty()) found.push_back(std::move(program));
   }
   std::sort(found.begin(), found.end(), [](auto const &one, auto const &other) { return one.process < other.process; });
   return found;
+}
+
+bool was_started_for(std::string_view display, pid_t process, std::string const &processes) {
+  std::string const theirs = display_of(fs::path(processes) / std::to_string(process));
+  return display_without_screen(theirs) == display_without_screen(display);
 }
 
 }  // namespace fax

@@ -1,7 +1,6 @@
-// The programs that run for this user on this display.
+// The programs that run for this user.
 #pragma once
 
-#include <optional>
 #include <string>
 #include <string_view>
 #include <sys/types.h>
@@ -16,11 +15,12 @@ struct RunningProgram {
   std::string path;
 };
 
-// In the order of process numbers. Left out: other users' processes, those that have ended and are not waited for yet,
-// and those that were started for another display than ours (nullopt: we have none, all count). processes is the
-// folder where the kernel shows them; where it shows none, the answer is empty.
-std::vector<RunningProgram> running_programs(std::optional<std::string> const &our_display,
-                                             std::string const &processes = "/proc");
+// In the order of process numbers. Left out: other users' processes, and those that have ended and are not waited for
+// yet. processes is the folder where the kernel shows them; where it shows none, the answer is empty.
+std::vector<RunningProgram> running_programs(std::string const &processes = "/proc");
+
+// True when a process of this user was started for the X display of this name, on whichever of its screens.
+bool was_started_for(std::string_view display, pid_t process, std::string const &processes = "/proc");
 
 // The part of an X display's name that tells one display from another: "localhost:10.1" -> "localhost:10".
 std::string_view display_without_screen(std::string_view display);

@@ -103,17 +103,18 @@ struct RunningApplication {
   std::string wrapper, identifier;
 };
 
-std::optional<std::string> our_display() {
+// Another display's is out of reach. Without a display of our own, all are alike.
+bool runs_here(pid_t process) {
   char const *display = std::getenv("DISPLAY");
-  return display != nullptr ? std::optional<std::string>(display) : std::nullopt;
+  return display == nullptr || fax::was_started_for(display, process);
 }
 
 // Programs that are the executable of the wrapper they lie in.
 std::vector<RunningApplication> running_applications() {
   std::vector<RunningApplication> found;
-  for (fax::RunningProgram const &program : fax::running_programs(our_display())) {
+  for (fax::RunningProgram const &program : fax::running_programs()) {
     std::string const wrapper = fax::wrapper_of(program.path);
-    if (wrapper.empty()) continue;
+    if (wrapper.empty() || !runs_here(program.process)) continue;
     auto const application = application_at(wrapper);
     bool const is_executable = !application.executable.empty() && program.path.ends_with("/" + application.executable);
     if (is_executable) found.push_back({program.process, wrapper, application.identifier});

@@ -72,6 +72,7 @@ int main(int count, char **arguments) {
   record(count, arguments);
   std::string const mode = variable("DIRECTFAX_EDITOR_MODE");
   if (mode == "dies") return 1;
+  alarm(120);  // nothing is left of a test that was killed
   if (mode == "waits") pause();
   NSAutoreleasePool *pool = [NSAutoreleasePool new];
   [NSApplication sharedApplication];
