@@ -1,5 +1,5 @@
-// +[NSTask launchedTaskWithLaunchPath:arguments:] for the program of an application wrapper. The toolkit's task gives an
-// application our streams and high descriptors, which then hold whatever waits for us; and where the system refuses a
+// +[NSTask launchedTaskWithLaunchPath:arguments:] for the program of an application wrapper. The toolkit's task gives it
+// our streams and high descriptors, which then hold whatever waits for us; and where the system refuses a
 // program after all (no program, no interpreter), it ends the child by way of our own exit handlers, in our own memory,
 // and calls the task launched. An application goes its own way instead, and a refusal raises, as on macOS. Tools are
 // left to the toolkit.
@@ -95,7 +95,8 @@ bool has_ended(int handle) {
 namespace {
 
 bool is_of_application(NSString *path) {
-  char const *bytes = [path isKindOfClass:[NSString class]] && [path length] > 0 ? [path fileSystemRepresentation] : nullptr;
+  if (![path isKindOfClass:[NSString class]] || [path length] == 0) return false;
+  char const *bytes = [path fileSystemRepresentation];
   return bytes != nullptr && !fax::wrapper_of(bytes).empty();
 }
 

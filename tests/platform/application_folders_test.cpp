@@ -61,13 +61,16 @@ TEST_F(ApplicationFolders, InformationIsAPlainFile) {
   file("A.app/Contents/Info.plist", "newer");
   EXPECT_NE(fax::information_file((folder_ / "A.app").native())->stamp, first->stamp);
   file("A.app/Resources/Info.plist");
-  EXPECT_EQ(fax::information_file((folder_ / "A.app").native())->path, (folder_ / "A.app/Resources/Info.plist").native());
+  EXPECT_EQ(fax::information_file((folder_ / "A.app").native())->path,
+            (folder_ / "A.app/Resources/Info.plist").native());
 }
 
 TEST_F(ApplicationFolders, BytesOfAFile) {
   file("five", "12345");
   ASSERT_EQ(mkfifo((folder_ / "pipe").c_str(), 0600), 0);
-  auto const bytes = [&](char const *name, std::size_t most) { return fax::file_bytes((folder_ / name).native(), most); };
+  auto const bytes = [&](char const *name, std::size_t most) {
+    return fax::file_bytes((folder_ / name).native(), most);
+  };
   EXPECT_EQ(bytes("five", 5), "12345");
   EXPECT_EQ(bytes("five", 4), std::nullopt);
   EXPECT_EQ(bytes("pipe", 4), std::nullopt) << "and does not wait";

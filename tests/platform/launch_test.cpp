@@ -48,7 +48,8 @@ TEST_F(Launch, ProgramRunsOnItsOwn) {
   int open_end[2];
   ASSERT_EQ(pipe(open_end), 0);  // not closed on exec: the program must not get it all the same
   std::signal(SIGUSR1, SIG_IGN);  // a program must not start with what we ignore
-  std::string const path = program("#!/bin/sh\n{ echo $$; grep SigIgn /proc/$$/status; printf '%s|' \"$@\"; ls -l /proc/$$/fd; } > '" +
+  std::string const path = program("#!/bin/sh\n{ echo $$; grep SigIgn /proc/$$/status; printf '%s|' \"$@\"; "
+                                   "ls -l /proc/$$/fd; } > '" +
                                    told.string() + ".new'\nmv '" + told.string() + ".new' '" + told.string() + "'\n");
   pid_t process = 0;
   EXPECT_EQ(fax::launch({path, "a b", "$HOME"}, &process), 0);

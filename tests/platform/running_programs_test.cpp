@@ -86,7 +86,8 @@ TEST(RunningProgramsOfThisComputer, HoldThisOne) {
 }
 
 TEST(Display, WithoutItsScreen) {
-  for (auto const &[full, display] : {std::pair{":0.0", ":0"}, {":0", ":0"}, {"a.b:10.1", "a.b:10"}, {"a.b", "a.b"}, {"", ""}})
+  using Row = std::pair<char const *, char const *>;
+  for (auto const &[full, display] : {Row{":0.0", ":0"}, {":0", ":0"}, {"a.b:10.1", "a.b:10"}, {"a.b", "a.b"}, {"", ""}})
     EXPECT_EQ(fax::display_without_screen(full), display);
 }
 

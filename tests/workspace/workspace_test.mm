@@ -152,8 +152,8 @@ std::string write_program(fs::path const &file, std::string const &content, fs::
 
 TEST_F(WorkspaceTest, ATaskOfAnApplicationTellsTheTruth) {
   auto const wrapper = applications_.install(applications_.local() / "Slow.app", information("test.slow"));
-  std::string const program =
-      write_program(wrapper / "Program", "#!/bin/sh\necho \"$1|$2\" >\"$0.told\"\nexec sleep 100\n", fs::perms::owner_all);
+  std::string const program = write_program(
+      wrapper / "Program", "#!/bin/sh\necho \"$1|$2\" >\"$0.told\"\nexec sleep 100\n", fs::perms::owner_all);
   bool raised;
   NSTask *task = launched_task(program, raised);
   ASSERT_FALSE(raised);
