@@ -1,3 +1,4 @@
+#include <DirectFaxPrinter.h>
 #include <PrintCore/PrintCore.h>
 
 #include "platform/bridge.h"
@@ -69,6 +70,47 @@ using fax::pooled;
   [title release];
   [deviceURI release];
   [super dealloc];
+}
+
+@end
+
+// A URI whose host is an IPv6 address on an interface, "ipp://[fe80::1%02]/". GNUstep's URLs refuse these, those of macOS
+// do not: it is read without the interface, and its text is the whole.
+@interface FaxPlatformScopedURL : NSURL {
+  NSString *text;
+}
+@end
+
+@implementation FaxPlatformScopedURL
+
+- (id)initWithString:(NSString *)whole relativeToURL:(NSURL *)base {
+  NSRange const sign = [whole rangeOfString:@"%"];
+  NSRange const end = [whole rangeOfString:@"]"];
+  if (sign.location == NSNotFound || end.location == NSNotFound || end.location < sign.location) {
+    [self release];
+    return nil;
+  }
+  NSRange const interface = NSMakeRange(sign.location, end.location - sign.location);
+  self = [super initWithString:[whole stringByReplacingCharactersInRange:interface withString:@""] relativeToURL:base];
+  if (self) text = [whole copy];
+  return self;
+}
+
+- (void)dealloc {
+  [text release];
+  [super dealloc];
+}
+
+- (NSString *)relativeString {
+  return text;
+}
+
+- (NSString *)absoluteString {
+  return text;
+}
+
+- (id)copyWithZone:(NSZone *)zone {
+  return [self retain];
 }
 
 @end
@@ -242,10 +284,24 @@ CFStringRef PMPrinterGetName(PMPrinter printer) {
 OSStatus PMPrinterCopyDeviceURI(PMPrinter printer, CFURLRef *uri) {
   if (uri == nullptr) return kPMInvalidParameter;
   *uri = nullptr;
-  return fenced(__func__, kPMInvalidParameter, [&]() -> OSStatus {
+  return pooled(__func__, kPMInvalidParameter, [&]() -> OSStatus {
     FaxPlatformPrinter *own = printer_of(printer);
     if (own == nil) return kPMInvalidParameter;
     *uri = CFURLCreateWithString(kCFAllocatorDefault, reinterpret_cast<CFStringRef>(own->deviceURI), nullptr);
+    if (*uri == nullptr && own->deviceURI != nil)
+      *uri = reinterpret_cast<CFURLRef>([[FaxPlatformScopedURL alloc] initWithString:own->deviceURI relativeToURL:nil]);
     return *uri != nullptr ? kPMNoError : kPMKeyNotFound;
+  });
+}
+
+PMPrinter DirectFaxPrinterWithDeviceURI(PMPrinter printer, CFStringRef uri) {
+  return pooled(__func__, nullptr, [&]() -> PMPrinter {
+    FaxPlatformPrinter *own = printer_of(printer);
+    if (own == nil || (uri != nullptr && string_of(uri) == nil)) return nullptr;
+    FaxPlatformPrinter *other = [FaxPlatformPrinter new];
+    other->queue = [own->queue copy];
+    other->title = [own->title copy];
+    other->deviceURI = [string_of(uri) copy];
+    return reinterpret_cast<PMPrinter>(other);
   });
 }
