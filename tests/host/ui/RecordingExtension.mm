@@ -2,7 +2,7 @@
 //
 // Both go through the main thread's dictionary, so that the test program needs no name of this bundle: "calls" is an
 // NSMutableArray of texts such as "shouldHide", "answers" maps an operation to NO ("0"), to "raise", or to "dialog" for
-// a modal window with a Help and a Start button.
+// a modal window with a Help and a Start button. Under "deviceURI" stands there what the panel was given, "none" for none.
 #include <PrintCore/PDEPluginInterface.h>
 
 @interface RecordingPanel : NSObject <PDEPanel> {
@@ -36,6 +36,14 @@ static BOOL Note(NSString *call) {
   return ![answer isEqual:@"0"];
 }
 
+static void NoteDeviceURI(PMPrinter printer) {
+  CFURLRef uri = NULL;
+  PMPrinterCopyDeviceURI(printer, &uri);
+  NSString *text = uri ? (NSString *)CFURLGetString(uri) : @"none";
+  [[[[NSThread mainThread] threadDictionary] objectForKey:@"answers"] setObject:text forKey:@"deviceURI"];
+  if (uri) CFRelease(uri);
+}
+
 @implementation RecordingFactory
 
 - (BOOL)initWithBundle:(NSBundle *)bundle {
@@ -45,6 +53,7 @@ static BOOL Note(NSString *call) {
 - (NSArray *)PDEPanelsForType:(NSString *)type withHostInfo:(id)host {
   Note(@"PDEPanelsForType");
   if (![type isEqual:@"BDB091F4-E57F-11D3-B5CC-0050E4603277"]) return [NSArray array];
+  NoteDeviceURI([host PMPrinter]);
   return [NSArray arrayWithObject:[[[RecordingPanel alloc] initWithHost:host] autorelease]];
 }
 

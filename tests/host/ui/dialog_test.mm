@@ -1,210 +1,22 @@
 // The dialog's objects on a real display, with a print service and extensions of the tests' own.
-#import <AppKit/AppKit.h>
-
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <fstream>
 #include <sstream>
 
-#include "../core/private_cups.h"
+#include "dialog_fixture.h"
 
-#import "host/HostDialog.h"
 #import "host/HostScreenMap.h"
 #import "host/text.h"
 
-using namespace fax::host;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsSupersetOf;
 using testing::Not;
 using testing::Contains;
 
-@interface SilentAlerts : NSObject <HostAlerting> {
- @public
-  NSMutableArray *told;
-}
-@end
-
-@implementation SilentAlerts
-- (id)init {
-  if ((self = [super init])) told = [NSMutableArray new];
-  return self;
-}
-- (void)dealloc {
-  [told release];
-  [super dealloc];
-}
-- (void)tell:(NSString *)what advice:(NSString *)advice {
-  [told addObject:what];
-}
-- (NSString *)askPathFor:(NSString *)name {
-  return nil;
-}
-@end
-
-@interface EndCounter : NSObject <HostDialogOwner> {
- @public
-  int ends;
-}
-@end
-
-@implementation EndCounter
-- (void)dialogDidFinish:(HostDialog *)dialog {
-  ++ends;
-}
-@end
-
+namespace fax::host {
 namespace {
-
-class Dialog : public testing::Test {
- protected:
-  static void SetUpTestSuite() {
-    if (!PrivateCups::is_installed()) return;
-    service_ = new PrivateCups;
-    service_->add_queue("fax", TEST_DATA "/../core/fax.ppd");
-    service_->add_queue("plain", "");
-    setenv("CUPS_SERVER", service_->server().address.c_str(), 1);
-    cupsSetServer(service_->server().address.c_str());
-  }
-
-  static void TearDownTestSuite() { delete service_; }
-
-  void SetUp() override {
-    if (!service_) GTEST_SKIP() << "cupsd is not installed";
-    pool_ = [NSAutoreleasePool new];
-    NSMutableDictionary *shared = [[NSThread mainThread] threadDictionary];
-    calls_ = [NSMutableArray array];
-    answers_ = [NSMutableDictionary dictionary];
-    [shared setObject:calls_ forKey:@"calls"];
-    [shared setObject:answers_ forKey:@"answers"];
-    alerts_ = [SilentAlerts new];
-    owner_ = [EndCounter new];
-  }
-
-  void TearDown() override {
-    if (!service_) return;
-    [dialog_ release];
-    [alerts_ release];
-    [owner_ release];
-    [pool_ release];
-  }
-
-  // Opens the dialog for a queue with one of the test extensions.
-  void open(char const *extension = "Recording", char const *queue = "fax", CommandLine line = {}) {
-    auto queues = list_queues(service_->server());
-    ASSERT_TRUE(queues);
-    auto chosen = choose_queue(queues.value(), queue);
-    ASSERT_TRUE(chosen);
-    auto ppd = PpdFile::of_queue(service_->server(), queue);
-    ASSERT_TRUE(ppd);
-    if (ppd.value()) {
-      ASSERT_FALSE(ppd.value()->mark_initial({}, line.options));
-    }
-    line.extension = std::string{TEST_EXTENSIONS "/"} + extension + ".bundle";
-    DialogRequest const request{service_->server(), queues.value(), chosen.value(), std::move(ppd.value()),
-                                Document::of_bytes("%PDF-1.4\nfax", "Report"), line, "/nowhere/faxprint.app"};
-    dialog_ = [[HostDialog alloc] initWithRequest:request owner:owner_ alerts:alerts_];
-    [dialog_ show];
-    come_round();
-  }
-
-  // Lets what was put off to the next turn of the run loop happen.
-  static void come_round() {
-    [[NSRunLoop currentRunLoop] runMode:NSDefaultRunLoopMode beforeDate:[NSDate dateWithTimeIntervalSinceNow:0.05]];
-  }
-
-  std::vector<std::string> calls() const {
-    std::vector<std::string> list;
-    for (NSUInteger at = 0; at < [calls_ count]; ++at) list.push_back(utf8([calls_ objectAtIndex:at]));
-    return list;
-  }
-
-  std::vector<std::string> told() const {
-    std::vector<std::string> list;
-    for (NSUInteger at = 0; at < [alerts_->told count]; ++at) list.push_back(utf8([alerts_->told objectAtIndex:at]));
-    return list;
-  }
-
-  std::vector<std::string> calls_of(auto const &work) {
-    [calls_ removeAllObjects];
-    work();
-    return calls();
-  }
-
-  // A control of the dialog by its outlet, or a pop-up of a panel by its label.
-  static id control(NSString *name) {
-    id found = nil;
-    find([NSApp windows], name, found);
-    return found;
-  }
-
-  void choose(NSString *popUpName, NSString *title) {
-    NSPopUpButton *popUp = control(popUpName);
-    ASSERT_TRUE(popUp) << utf8(popUpName);
-    ASSERT_GE([popUp indexOfItemWithTitle:title], 0) << utf8(title);
-    [popUp selectItemWithTitle:title];
-    [NSApp sendAction:[popUp action] to:[popUp target] from:popUp];
-  }
-
-  std::string value(NSString *popUpName) const { return utf8([control(popUpName) titleOfSelectedItem]); }
-
-  // What the screen map says of the dialog.
-  MapWindow map() const {
-    for (auto const &window : windows_on_screen()) {
-      if (window.title == utf8([[dialog_ window] title])) return window;
-    }
-    return {};
-  }
-
-  MapControl mapped(std::string const &title) const {
-    for (auto const &control : map().controls) {
-      if (!control.label && (control.title == title || control.identifier == title)) return control;
-    }
-    return {};
-  }
-
-  static PrivateCups *service_;
-  NSAutoreleasePool *pool_ = nil;
-  NSMutableArray *calls_ = nil;
-  NSMutableDictionary *answers_ = nil;
-  SilentAlerts *alerts_ = nil;
-  EndCounter *owner_ = nil;
-  HostDialog *dialog_ = nil;
-
- private:
-  static void find(NSArray *windows, NSString *name, id &found) {
-    for (NSUInteger at = 0; at < [windows count] && !found; ++at) {
-      NSWindow *window = [windows objectAtIndex:at];
-      if ([window isVisible]) find_in([window contentView], name, found);
-    }
-  }
-  static void find_in(NSView *view, NSString *name, id &found) {
-    if (found) return;
-    if ([view isKindOfClass:[NSPopUpButton class]] && [name isEqual:HostLabelOf(view, [[view window] contentView])]) {
-      found = view;
-      return;
-    }
-    if ([view isKindOfClass:[NSPopUpButton class]] && [name isEqual:label_of_pop_up(view)]) found = view;
-    NSArray *inner = [view subviews];
-    for (NSUInteger at = 0; at < [inner count]; ++at) find_in([inner objectAtIndex:at], name, found);
-  }
-  static NSString *label_of_pop_up(NSView *view) {
-    for (auto const &window : windows_on_screen()) {
-      for (auto const &control : window.controls) {
-        if (control.kind == "NSPopUpButton" && control.value == utf8([(id)view titleOfSelectedItem]) &&
-            control.items.size() == static_cast<std::size_t>([(id)view numberOfItems]) &&
-            control.items.front() == utf8([(id)view itemTitleAtIndex:0])) {
-          return ns(control.title);
-        }
-      }
-    }
-    return @"";
-  }
-};
-
-PrivateCups *Dialog::service_ = nullptr;
 
 TEST_F(Dialog, AsksTheExtensionInOrderAndShowsItsPanelFirst) {
   open();
@@ -403,3 +215,4 @@ TEST_F(Dialog, PanelsOwnHelpKeepsTheDialogsAway) {
 }
 
 }  // namespace
+}  // namespace fax::host

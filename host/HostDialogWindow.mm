@@ -1,0 +1,312 @@
+#import "host/HostDialogWindow.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+
+#import "host/controls.h"
+#import "host/text.h"
+
+using namespace fax::host;
+
+static NSSize const kSmallest = {560, 492};
+static CGFloat const kTextRow = 18;
+static CGFloat const kNarrowGap = 3;  // between a control and the line that belongs to it
+
+@interface HostDialogWindow ()
+- (void)makeWindow:(NSString *)title;
+- (void)makeControls;
+- (void)makeCopies:(int)copies;
+- (void)layOut;
+- (CGFloat)layOutRows;
+- (void)layOutButtons:(CGFloat)top;
+- (void)makeRoomFor:(NSView *)view;
+- (void)placeView;
+- (void)joinFocus;
+@end
+
+@implementation HostDialogWindow
+
+- (id)initWithTitle:(NSString *)title copies:(int)copies target:(id<HostDialogActions>)target {
+  if (!(self = [super init])) return nil;
+  _target = target;
+  _printerStatus = @"";
+  [self makeWindow:title];
+  [self makeControls];
+  [self makeCopies:copies];
+  NSView *const views[] = {printerLabel, printerPopUp,  printerStatus, destinationLabel, destinationPopUp,
+                           copiesLabel,  copiesField,   copiesStepper, panelLabel,       panelPopUp,
+                           panelArea,    statusLine,    helpButton,    cancelButton,     printButton};
+  for (NSView *view : views) [[window contentView] addSubview:view];
+  [window setDefaultButtonCell:[printButton cell]];
+  [window setInitialFirstResponder:printerPopUp];
+  [self layOut];
+  [window center];
+  return self;
+}
+
+- (void)dealloc {
+  [NSObject cancelPreviousPerformRequestsWithTarget:self];
+  [window setDelegate:nil];
+  [window orderOut:nil];
+  [window release];
+  [_printerStatus release];
+  [super dealloc];
+}
+
+- (NSWindow *)window {
+  return window;
+}
+
+- (NSPopUpButton *)printerPopUp {
+  return printerPopUp;
+}
+
+- (NSPopUpButton *)destinationPopUp {
+  return destinationPopUp;
+}
+
+- (NSPopUpButton *)panelPopUp {
+  return panelPopUp;
+}
+
+// Making it.
+
+- (void)makeWindow:(NSString *)title {
+  NSUInteger const style =
+      NSTitledWindowMask | NSClosableWindowMask | NSMiniaturizableWindowMask | NSResizableWindowMask;
+  NSRect const frame = {NSZeroPoint, kSmallest};
+  window = [[NSWindow alloc] initWithContentRect:frame styleMask:style backing:NSBackingStoreBuffered defer:NO];
+  [window setReleasedWhenClosed:NO];
+  [window setTitle:title];
+  [window setContentView:[[[HostFlippedView alloc] initWithFrame:frame] autorelease]];
+  [window setContentMinSize:kSmallest];
+  [window setDelegate:(id)self];
+}
+
+- (void)makeControls {
+  printerLabel = make_label(HostText(@"Printer:"), NSRightTextAlignment);
+  printerPopUp = make_pop_up(_target, @selector(choosePrinter:));
+  printerStatus = make_label(@"", NSLeftTextAlignment);
+  [printerStatus setTextColor:[NSColor darkGrayColor]];
+  destinationLabel = make_label(HostText(@"Destination:"), NSRightTextAlignment);
+  destinationPopUp = make_pop_up(_target, @selector(chooseDestination:));
+  panelLabel = make_label(HostText(@"Options:"), NSRightTextAlignment);
+  panelPopUp = make_pop_up(_target, @selector(choosePanel:));
+  panelArea = [[[NSBox alloc] initWithFrame:NSMakeRect(0, 0, 100, 100)] autorelease];
+  [panelArea setTitlePosition:NSNoTitle];
+  [panelArea setBorderType:NSLineBorder];
+  [panelArea setContentViewMargins:NSMakeSize(kGap, kGap)];
+  statusLine = make_label(@"", NSLeftTextAlignment);
+  helpButton = make_button(HostText(@"Help"), _target, @selector(help:));
+  cancelButton = make_button(HostText(@"Cancel"), _target, @selector(cancel:));
+  printButton = make_button(HostText(@"Print"), self, @selector(printPressed:));
+  [cancelButton setKeyEquivalent:@"\e"];
+  [printButton setKeyEquivalent:@"\r"];
+}
+
+- (void)makeCopies:(int)copies {
+  copiesLabel = make_label(HostText(@"Copies:"), NSRightTextAlignment);
+  copiesField = [[[NSTextField alloc] initWithFrame:NSMakeRect(0, 0, 60, kRow)] autorelease];
+  [copiesField setFont:[NSFont systemFontOfSize:0]];
+  [copiesField setAlignment:NSRightTextAlignment];
+  [copiesField setDelegate:(id)self];
+  [copiesField setIntValue:copies];
+  copiesStepper = [[[NSStepper alloc] initWithFrame:NSMakeRect(0, 0, 19, kRow)] autorelease];
+  [copiesStepper setMinValue:1];
+  [copiesStepper setMaxValue:9999];
+  [copiesStepper setIncrement:1];
+  [copiesStepper setValueWraps:NO];
+  [copiesStepper setIntValue:copies];
+  [copiesStepper setTarget:self];
+  [copiesStepper setAction:@selector(stepCopies:)];
+}
+
+// Where everything is.
+
+- (void)layOut {
+  NSSize const size = [[window contentView] bounds].size;
+  CGFloat const top = [self layOutRows];
+  CGFloat const buttons = size.height - kMargin - kRow;
+  CGFloat const status = buttons - kGap - kTextRow;
+  [panelArea setFrame:NSMakeRect(kMargin, top, size.width - 2 * kMargin, std::max<CGFloat>(20, status - kGap - top))];
+  [statusLine setFrame:NSMakeRect(kMargin, status, size.width - 2 * kMargin, kTextRow)];
+  [self layOutButtons:buttons];
+  [self setStatus:[self status]];
+  [printerStatus setStringValue:fitted(_printerStatus, [printerStatus frame].size.width)];
+  [self placeView];
+  [[window contentView] setNeedsDisplay:YES];
+}
+
+// The labels and what they name; answers where the next thing can be.
+- (CGFloat)layOutRows {
+  CGFloat labelWidth = 0;
+  NSTextField *const labels[] = {printerLabel, destinationLabel, copiesLabel, panelLabel};
+  NSView *const controls[] = {printerPopUp, destinationPopUp, copiesField, panelPopUp};
+  for (NSTextField *label : labels) labelWidth = std::max(labelWidth, roomy_width([label stringValue]));
+  CGFloat const left = kMargin + labelWidth + kGap;
+  CGFloat const width = [[window contentView] bounds].size.width - left - kMargin;
+  CGFloat y = kMargin;
+  for (std::size_t at = 0; at < std::size(labels); ++at) {
+    if (labels[at] == panelLabel) y += kGap;
+    [labels[at] setFrame:NSMakeRect(kMargin, y + 3, labelWidth, kTextRow)];
+    [controls[at] setFrame:NSMakeRect(left, y, controls[at] == copiesField ? 60 : width, kRow)];
+    y += kRow;
+    if (controls[at] == printerPopUp) {
+      [printerStatus setFrame:NSMakeRect(left, y + kNarrowGap, width, kTextRow)];
+      y += kNarrowGap + kTextRow;
+    }
+    y += kGap;
+  }
+  NSRect const copies = [copiesField frame];
+  [copiesStepper setFrameOrigin:NSMakePoint(NSMaxX(copies) + 4, copies.origin.y)];
+  return y;
+}
+
+- (void)layOutButtons:(CGFloat)top {
+  [helpButton setFrameOrigin:NSMakePoint(kMargin, top)];
+  CGFloat right = [[window contentView] bounds].size.width - kMargin - [printButton frame].size.width;
+  [printButton setFrameOrigin:NSMakePoint(right, top)];
+  right -= kGap + [cancelButton frame].size.width;
+  [cancelButton setFrameOrigin:NSMakePoint(right, top)];
+}
+
+- (void)windowDidResize:(NSNotification *)notification {
+  [self layOut];
+}
+
+- (BOOL)windowShouldClose:(id)sender {
+  [_target cancel:sender];
+  return NO;
+}
+
+// What it tells.
+
+- (NSString *)status {
+  return [statusLine toolTip] ? [statusLine toolTip] : @"";
+}
+
+- (void)setStatus:(NSString *)text {
+  [statusLine setToolTip:text];
+  [statusLine setStringValue:fitted(text, [statusLine frame].size.width)];
+}
+
+- (void)setPrinterStatus:(NSString *)line advice:(NSString *)advice {
+  [_printerStatus autorelease];
+  _printerStatus = [line copy];
+  [printerStatus setStringValue:fitted(line, [printerStatus frame].size.width)];
+  [printerStatus setToolTip:[advice length] ? [NSString stringWithFormat:@"%@ %@", line, advice] : line];
+}
+
+- (void)setReady:(BOOL)ready {
+  [panelPopUp setEnabled:ready];
+  [printButton setEnabled:ready];
+}
+
+// The button would stay lit for as long as its action runs, and that can be a whole modal dialog.
+- (void)printPressed:(id)sender {
+  [self performSelector:@selector(print:)
+             withObject:sender
+             afterDelay:0
+                inModes:[NSArray arrayWithObject:NSDefaultRunLoopMode]];
+}
+
+- (void)print:(id)sender {
+  [_target print:sender];
+}
+
+// Copies.
+
+- (int)copies {
+  NSString *const text =
+      [[copiesField stringValue] stringByTrimmingCharactersInSet:[NSCharacterSet whitespaceCharacterSet]];
+  NSCharacterSet *const others = [[NSCharacterSet characterSetWithCharactersInString:@"0123456789"] invertedSet];
+  if ([text length] == 0 || [text length] > 4 || [text rangeOfCharacterFromSet:others].length > 0) return 0;
+  return [text intValue];
+}
+
+- (void)sayCopiesAreWrong {
+  [self setStatus:HostText(@"Copies must be a number from 1 to 9999.")];
+}
+
+- (void)refuseCopies {
+  [self sayCopiesAreWrong];
+  [window makeFirstResponder:copiesField];
+}
+
+- (void)stepCopies:(id)sender {
+  [copiesField setIntValue:[copiesStepper intValue]];
+  [self setStatus:@""];
+  [_target copiesDidChange];
+}
+
+- (void)controlTextDidEndEditing:(NSNotification *)notification {
+  if ([notification object] != copiesField) return;
+  int const copies = [self copies];
+  if (copies == 0) return [self sayCopiesAreWrong];
+  [copiesStepper setIntValue:copies];
+  [self setStatus:@""];
+  [_target copiesDidChange];
+}
+
+// The area below the pop-up of the panels.
+
+- (void)clearArea {
+  [panelArea setContentView:[[[NSView alloc] initWithFrame:NSZeroRect] autorelease]];
+}
+
+- (void)showView:(NSView *)view keepsSize:(BOOL)keepsSize {
+  _keepsSize = keepsSize;
+  [[[panelArea contentView] subviews] makeObjectsPerformSelector:@selector(removeFromSuperview)];
+  [[panelArea contentView] addSubview:view];
+  if (keepsSize) [self makeRoomFor:view];
+  [self placeView];
+  [self joinFocus];
+  [panelArea setNeedsDisplay:YES];
+}
+
+// Makes the window larger when the view needs it, never smaller.
+- (void)makeRoomFor:(NSView *)view {
+  NSSize const needed = [view frame].size;
+  NSSize const room = [[panelArea contentView] bounds].size;
+  NSSize const more = NSMakeSize(std::max<CGFloat>(0, needed.width - room.width),
+                                 std::max<CGFloat>(0, needed.height - room.height));
+  if (more.width <= 0 && more.height <= 0) return;
+  NSSize const now = [[window contentView] bounds].size;
+  [window setContentMinSize:NSMakeSize(now.width + more.width, now.height + more.height)];
+  NSRect frame = [window frame];
+  frame.size.width += more.width;
+  frame.size.height += more.height;
+  frame.origin.y -= more.height;
+  [window setFrame:frame display:YES];
+  [self layOut];
+}
+
+- (void)placeView {
+  NSView *area = [panelArea contentView];
+  NSView *view = [[area subviews] count] ? [[area subviews] objectAtIndex:0] : nil;
+  if (!view) return;
+  NSSize const room = [area bounds].size;
+  if (!_keepsSize) {
+    [view setFrame:[area bounds]];
+    return;
+  }
+  NSRect frame = [view frame];
+  if ([view autoresizingMask] & NSViewWidthSizable) frame.size.width = std::max(frame.size.width, room.width);
+  frame.origin.x = std::floor(std::max<CGFloat>(0, (room.width - frame.size.width) / 2));
+  frame.origin.y = std::floor(room.height - frame.size.height);
+  [view setFrame:frame];
+  // The place is chosen here, not by the view's own mask.
+  [view setNeedsDisplay:YES];
+}
+
+- (void)joinFocus {
+  NSMutableArray *ring = [NSMutableArray arrayWithObjects:printerPopUp, destinationPopUp, copiesField, panelPopUp, nil];
+  [ring addObjectsFromArray:focus_order([panelArea contentView])];
+  [ring addObject:helpButton];
+  [ring addObject:cancelButton];
+  [ring addObject:printButton];
+  join_focus(ring);
+}
+
+@end
