@@ -165,7 +165,7 @@ struct HostDialogState {
   if (_state->ready) {
     [self makePanels];
   } else {
-    [_panels showNotice:HostText(@"The options come when the printer's address is known.")];
+    [_panels showNotice:HostText(@"The options come as soon as the search is over.")];
   }
   if (![self queue].accepts_jobs) {
     [_window setStatus:HostFormat(@"The queue %@ does not accept jobs now.", ns([self queue].name))];

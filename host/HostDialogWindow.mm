@@ -88,7 +88,6 @@ static CGFloat const kNarrowGap = 3;  // between a control and the line that bel
   printerLabel = make_label(HostText(@"Printer:"), NSRightTextAlignment);
   printerPopUp = make_pop_up(_target, @selector(choosePrinter:));
   printerStatus = make_label(@"", NSLeftTextAlignment);
-  [printerStatus setTextColor:[NSColor darkGrayColor]];
   destinationLabel = make_label(HostText(@"Destination:"), NSRightTextAlignment);
   destinationPopUp = make_pop_up(_target, @selector(chooseDestination:));
   panelLabel = make_label(HostText(@"Options:"), NSRightTextAlignment);

@@ -1,5 +1,7 @@
 #import "host/HostPrinterFinder.h"
 
+#include <chrono>
+#include <functional>
 #include <memory>
 
 #include "host/core/address_lookup.h"
@@ -10,14 +12,21 @@
 using namespace fax::host;
 using Outcome = LookupAnswer::Outcome;
 
+// What is answered that soon does not have to be waited for with a window that says so.
+static std::chrono::milliseconds const kPatience{50};
+
 struct HostPrinterFinderState {
   std::string device_uri;
   DevicePlace place;
-  std::unique_ptr<Lookup> lookup;  // while it is under way
-  std::optional<LookupAnswer> answer;
+  std::unique_ptr<Lookup> lookup;     // while a question is under way
+  bool discovery_reached = false;     // a panel can ask for a service without being kept waiting
+  std::optional<LookupAnswer> answer;  // the last one
 };
 
 @interface HostPrinterFinder ()
+- (void)ask:(std::function<LookupAnswer()> const &)question;
+- (BOOL)takeAnswer;
+- (void)accept:(LookupAnswer const &)answer;
 - (void)watch;
 - (void)unwatch;
 @end
@@ -42,13 +51,13 @@ struct HostPrinterFinderState {
   _state->device_uri = deviceURI;
   _state->place = place_of(deviceURI);
   _state->answer.reset();
+  _state->discovery_reached = false;
   std::string const host = _state->place.host;
   if (_state->place.route == Route::name) {
-    _state->lookup = std::make_unique<Lookup>([host] { return look_up_name(host); });
+    [self ask:[host] { return look_up_name(host); }];
   } else if (_state->place.route == Route::service) {
-    _state->lookup = std::make_unique<Lookup>([host] { return look_up_service(host, kAddressLimit); });
+    [self ask:reach_discovery];
   }
-  if (_state->lookup) [self watch];
 }
 
 - (void)stop {
@@ -57,19 +66,52 @@ struct HostPrinterFinderState {
 }
 
 - (BOOL)isReady {
-  return _state->place.route != Route::name || _state->answer.has_value();
+  switch (_state->place.route) {
+    case Route::name: return _state->answer.has_value();
+    case Route::service: return _state->discovery_reached || _state->answer;
+    default: return YES;
+  }
 }
 
 - (NSString *)panelURI {
-  if (_state->place.route != Route::name) {
-    return _state->place.panel_uri ? ns(*_state->place.panel_uri) : nil;
+  auto const &place = _state->place;
+  auto const &answer = _state->answer;
+  if (place.route == Route::name) {
+    bool const found = answer && answer->outcome == Outcome::found;
+    return found ? ns(with_address(_state->device_uri, *answer->address)) : nil;
   }
-  bool const found = _state->answer && _state->answer->outcome == Outcome::found;
-  return found ? ns(with_address(_state->device_uri, *_state->answer->address)) : nil;
+  bool const usable = place.panel_uri && (place.route != Route::service || _state->discovery_reached);
+  return usable ? ns(*place.panel_uri) : nil;
 }
 
 - (AddressStatus)status {
   return address_status(_state->place, _state->answer);
+}
+
+// One question after the other.
+
+- (void)ask:(std::function<LookupAnswer()> const &)question {
+  _state->lookup = std::make_unique<Lookup>(question);
+  if (!_state->lookup->wait(kPatience) || ![self takeAnswer]) [self watch];
+}
+
+// Goes on with the answer, if there is one.
+- (BOOL)takeAnswer {
+  auto const answer = _state->lookup ? _state->lookup->answer() : std::nullopt;
+  if (!answer) return NO;
+  [self accept:*answer];
+  return YES;
+}
+
+- (void)accept:(LookupAnswer const &)answer {
+  [self stop];
+  if (answer.outcome == Outcome::reached) {
+    _state->discovery_reached = true;
+    std::string const host = _state->place.host;
+    [self ask:[host] { return look_up_service(host, kAddressLimit); }];
+  } else {
+    _state->answer = answer;
+  }
 }
 
 // The end of a question, or of the patience with it.
@@ -100,22 +142,18 @@ struct HostPrinterFinderState {
   _answered = nil;
 }
 
-- (void)take:(LookupAnswer const &)answer {
-  _state->answer = answer;
-  [self stop];
-  [_owner finderDidAnswer:self];
-}
-
 - (void)answered:(NSNotification *)notification {
-  if (!_state->lookup) return;
-  if (auto const answer = _state->lookup->answer()) [self take:*answer];
+  if ([self takeAnswer]) [_owner finderDidAnswer:self];
 }
 
 - (void)giveUp {
-  if (!_state->lookup) return;
-  auto const answer = _state->lookup->answer();
-  std::string const late = "no answer within " + std::to_string(kAddressLimit.count()) + " seconds";
-  [self take:answer.value_or(LookupAnswer{Outcome::silent, std::nullopt, late})];
+  if (![self takeAnswer]) {
+    bool const unreached = _state->place.route == Route::service && !_state->discovery_reached;
+    LookupAnswer const late{unreached ? Outcome::no_discovery : Outcome::silent, std::nullopt,
+                            "no answer within " + std::to_string(kAddressLimit.count()) + " seconds"};
+    [self accept:late];
+  }
+  [_owner finderDidAnswer:self];
 }
 
 @end

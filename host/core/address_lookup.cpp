@@ -11,6 +11,7 @@
 #include <mutex>
 #include <netdb.h>
 #include <netinet/in.h>
+#include <poll.h>
 #include <system_error>
 #include <thread>
 #include <unistd.h>
@@ -57,6 +58,11 @@ Lookup::~Lookup() {
 
 int Lookup::take_descriptor() { return std::exchange(descriptor_, -1); }
 
+bool Lookup::wait(std::chrono::milliseconds limit) const {
+  pollfd end = {descriptor_, POLLIN, 0};
+  return descriptor_ < 0 || poll(&end, 1, static_cast<int>(limit.count())) > 0;
+}
+
 std::optional<LookupAnswer> Lookup::answer() const {
   std::lock_guard const lock(shared_->mutex);
   return shared_->answer;
@@ -83,11 +89,16 @@ class ServiceQuestion {
 public:
   ServiceQuestion() : poll_(avahi_simple_poll_new(), &avahi_simple_poll_free) {}
 
+  LookupAnswer reach() {
+    int error = 0;
+    auto const client = connect(&error);
+    if (!client) return {LookupAnswer::Outcome::no_discovery, std::nullopt, avahi_strerror(error)};
+    return {LookupAnswer::Outcome::reached, std::nullopt, ""};
+  }
+
   LookupAnswer ask(std::string const &name, std::string const &type, std::chrono::milliseconds limit) {
     int error = 0;
-    std::unique_ptr<AvahiClient, decltype(&avahi_client_free)> const client(
-        avahi_client_new(avahi_simple_poll_get(poll_.get()), AvahiClientFlags(0), &state_changed, this, &error),
-        &avahi_client_free);
+    auto const client = connect(&error);
     if (!client) return {LookupAnswer::Outcome::no_discovery, std::nullopt, avahi_strerror(error)};
     // Owned by the client, and ended with it.
     if (avahi_service_resolver_new(client.get(), AVAHI_IF_UNSPEC, AVAHI_PROTO_UNSPEC, name.c_str(), type.c_str(), "local",
@@ -98,6 +109,13 @@ public:
   }
 
 private:
+  using Client = std::unique_ptr<AvahiClient, decltype(&avahi_client_free)>;
+
+  Client connect(int *error) {
+    return Client(avahi_client_new(avahi_simple_poll_get(poll_.get()), AvahiClientFlags(0), &state_changed, this, error),
+                  &avahi_client_free);
+  }
+
   void wait(std::chrono::milliseconds limit) {
     auto const end = std::chrono::steady_clock::now() + limit;
     while (!answer_) {
@@ -149,6 +167,8 @@ private:
 };
 
 }  // namespace
+
+LookupAnswer reach_discovery() { return ServiceQuestion().reach(); }
 
 LookupAnswer look_up_service(std::string const &service, std::chrono::milliseconds limit) {
   std::string const front = service.substr(0, service.find("._tcp"));

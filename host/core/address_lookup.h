@@ -18,6 +18,7 @@ struct LookupAnswer {
     failed,        // for a reason
     silent,        // nobody answered in time
     no_discovery,  // nobody on this machine can look for services
+    reached,       // of reach_discovery() alone: somebody can
   };
   Outcome outcome = Outcome::failed;
   std::optional<NumericAddress> address;  // set exactly when found
@@ -36,6 +37,8 @@ public:
   // Becomes readable (end of file) when the answer is there. The caller owns it from now on and closes it; -1 when there
   // was none, or the second time.
   int take_descriptor();
+  // Waits for the answer, for at most so long. Before the descriptor is taken; true when the answer is there.
+  bool wait(std::chrono::milliseconds limit) const;
 
   // nullopt while the question is under way. Any thread.
   std::optional<LookupAnswer> answer() const;
@@ -48,6 +51,9 @@ private:
 
 // The first address that the resolver gives for a name, of either family. Blocks as long as the resolver does.
 LookupAnswer look_up_name(std::string const &name);
+
+// Whether Avahi can be asked: reached, or no_discovery. Blocks as long as the message bus does, 25 s where Avahi hangs.
+LookupAnswer reach_discovery();
 
 // The address of a DNS-SD service, by Avahi. service: "Office MFP._ipp._tcp.local", UTF-8; the domain is "local"
 // whatever it says. Blocks for at most about limit once Avahi was reached.

@@ -36,6 +36,7 @@ AddressStatus name_status(std::string const &name, std::optional<LookupAnswer> c
                          ". Check the network connection, or put a numeric address into the queue's device URI with " +
                          kSettings + "; then open the dialog again.");
     case Outcome::no_discovery:
+    case Outcome::reached:
     case Outcome::failed: break;
   }
   return unknown(quoted(name) + " could not be looked up",
@@ -60,9 +61,10 @@ AddressStatus service_status(std::string const &service, std::optional<LookupAns
                      printer + " did not answer within " + limit() +
                          ". Is it switched on and in this network? Then open the dialog again.");
     case Outcome::no_discovery:
-      return unknown("network discovery is not running",
-                     "Avahi, which finds printers on the local network, says: " + answer->reason +
-                         ". Start it (systemctl start avahi-daemon), then open the dialog again.");
+      return unknown("network discovery is not available",
+                     "Avahi, which finds printers on the local network, cannot be reached: " + answer->reason +
+                         ". Start it (systemctl restart avahi-daemon), then open the dialog again.");
+    case Outcome::reached:
     case Outcome::failed: break;
   }
   return unknown("not found on the local network",

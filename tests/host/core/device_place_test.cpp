@@ -112,7 +112,7 @@ TEST(AddressStatus, SaysWhatIsKnownAndElseWhyNotAndWhatToDo) {
            StatusCase{kService, not_found(Outcome::silent, "Timeout reached"),
                       "Address unknown: not found on the local network.", "within 5 seconds. Is it switched on"},
            StatusCase{kService, not_found(Outcome::no_discovery, "Daemon not running"),
-                      "Address unknown: network discovery is not running.", "Daemon not running. Start it"},
+                      "Address unknown: network discovery is not available.", "Daemon not running. Start it"},
            StatusCase{kService, not_found(Outcome::failed, "Not supported"),
                       "Address unknown: not found on the local network.", "Not supported. Is the printer"},
            StatusCase{"ippusb://F1/", {}, "Address unknown: the queue's device is of the kind \"ippusb\".", "by USB"},

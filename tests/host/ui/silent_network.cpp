@@ -17,7 +17,7 @@ namespace fax::host {
 
 namespace {
 
-constexpr char kPlace[] = "/run";  // where the files lie that stand in for the system's
+constexpr char kPlace[] = "/mnt";  // where the files lie that stand in for the system's
 
 bool write_file(std::string const &path, std::string const &text) {
   std::ofstream file(path);
@@ -39,6 +39,9 @@ bool replace(char const *name, std::string const &text) {
   return write_file(path, text) &&
          mount(path.c_str(), (std::string("/etc/") + name).c_str(), nullptr, MS_BIND, nullptr) == 0;
 }
+
+// What is not there needs no hiding.
+bool hide(char const *folder) { return mount("none", folder, "tmpfs", 0, nullptr) == 0 || errno == ENOENT; }
 
 bool raise_loopback() {
   int const socket = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
@@ -86,7 +89,7 @@ std::string enter_silent_network() {
   bool const done = unshare_all() && mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
                     mount("none", kPlace, "tmpfs", 0, nullptr) == 0 && replace("resolv.conf", "nameserver 127.0.0.1\n") &&
                     replace("hosts", "192.0.2.20 office.example\n") && replace("nsswitch.conf", "hosts: files dns\n") &&
-                    raise_loopback() && start_name_server();
+                    hide("/run/dbus") && hide("/run/avahi-daemon") && raise_loopback() && start_name_server();
   return done ? "" : std::strerror(errno);
 }
 

@@ -10,7 +10,7 @@ namespace fax::host {
 //   "office.example" is 192.0.2.20 by the hosts file,
 //   a name that begins with "unknown" is denied at once, one that begins with "slow" after 0.4 s,
 //   and no other name is ever answered by the name server, which takes every question;
-//   /run is empty, so neither D-Bus nor Avahi can be reached.
+//   neither D-Bus nor Avahi can be reached.
 // Answers why it could not be done (the system does not allow it), "" when it was. Once a process; lasts until its end.
 std::string enter_silent_network();
 
