@@ -284,7 +284,8 @@ struct HostDialogState {
   SummarySection own{utf8(HostText(@"Print Job")), {}};
   own.rows.push_back({utf8(HostText(@"Printer")), utf8([[_window printerPopUp] titleOfSelectedItem])});
   own.rows.push_back({utf8(HostText(@"Destination")), utf8([[_window destinationPopUp] titleOfSelectedItem])});
-  own.rows.push_back({utf8(HostText(@"Copies")), std::to_string([_window copies])});
+  int const copies = [_window copies];
+  own.rows.push_back({utf8(HostText(@"Copies")), copies > 0 ? std::to_string(copies) : ""});
   own.rows.push_back({utf8(HostText(@"Document")), _state->request.document.title()});
   return own;
 }
