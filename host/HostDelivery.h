@@ -1,5 +1,5 @@
-// Where the document goes when every panel has said yes: to a queue, into a file, to the desktop's viewer. The user sees
-// how far it is, may cancel, and is told of every failure.
+// Where the document goes when every panel has said yes: to a queue, into a file, to the desktop's viewer. The user
+// sees how far it is, may cancel, and is told of every failure.
 #pragma once
 #import <AppKit/AppKit.h>
 

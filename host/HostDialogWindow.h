@@ -1,4 +1,5 @@
-// The print dialog's window: its controls, where they are, and the two lines that tell how things stand. Decides nothing.
+// The print dialog's window: its controls, where they are, and the two lines that tell how things stand. Decides
+// nothing.
 #pragma once
 #import <AppKit/AppKit.h>
 

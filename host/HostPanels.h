@@ -1,5 +1,5 @@
-// What the pop-up "Options" lists: the extension's panels, then Printer Features and Summary. Shows one of them, asks each
-// what has to be asked when, and carries changes of PPD options between them.
+// What the pop-up "Options" lists: the extension's panels, then Printer Features and Summary. Shows one of them, asks
+// each what has to be asked when, and carries changes of PPD options between them.
 #pragma once
 #import <AppKit/AppKit.h>
 

@@ -9,8 +9,8 @@
 @class HostPrinterFinder;
 
 @protocol HostPrinterFinderOwner
-// Something is known now that was not when -find: returned: the status is another one, and -isReady may be. From the run
-// loop, in its default mode: not under an alert, and not while a menu is open.
+// Something is known now that was not when -findDevice: returned: the status is another one, and -isReady may be. From the
+// run loop, in its default mode: not under an alert, and not while a menu is open.
 - (void)finderDidAnswer:(HostPrinterFinder *)finder;
 @end
 

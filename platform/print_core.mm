@@ -74,8 +74,8 @@ using fax::pooled;
 
 @end
 
-// A URI whose host is an IPv6 address on an interface, "ipp://[fe80::1%02]/". GNUstep's URLs refuse these, those of macOS
-// do not: it is read without the interface, and its text is the whole.
+// A URI whose host is an IPv6 address on an interface, "ipp://[fe80::1%02]/". GNUstep's URLs refuse these, those of
+// macOS do not: it is read without the interface, and its text is the whole.
 @interface FaxPlatformScopedURL : NSURL {
   NSString *text;
 }

@@ -101,19 +101,20 @@ public:
     auto const client = connect(&error);
     if (!client) return {LookupAnswer::Outcome::no_discovery, std::nullopt, avahi_strerror(error)};
     // Owned by the client, and ended with it.
-    if (avahi_service_resolver_new(client.get(), AVAHI_IF_UNSPEC, AVAHI_PROTO_UNSPEC, name.c_str(), type.c_str(), "local",
-                                   AVAHI_PROTO_UNSPEC, AvahiLookupFlags(0), &resolved, this) == nullptr)
+    if (avahi_service_resolver_new(client.get(), AVAHI_IF_UNSPEC, AVAHI_PROTO_UNSPEC, name.c_str(), type.c_str(),
+                                   "local", AVAHI_PROTO_UNSPEC, AvahiLookupFlags(0), &resolved, this) == nullptr)
       return failed(client.get());
     wait(limit);
-    return answer_ ? *answer_ : LookupAnswer{LookupAnswer::Outcome::silent, std::nullopt, avahi_strerror(AVAHI_ERR_TIMEOUT)};
+    return answer_.value_or(
+        LookupAnswer{LookupAnswer::Outcome::silent, std::nullopt, avahi_strerror(AVAHI_ERR_TIMEOUT)});
   }
 
 private:
   using Client = std::unique_ptr<AvahiClient, decltype(&avahi_client_free)>;
 
   Client connect(int *error) {
-    return Client(avahi_client_new(avahi_simple_poll_get(poll_.get()), AvahiClientFlags(0), &state_changed, this, error),
-                  &avahi_client_free);
+    auto const *const poll = avahi_simple_poll_get(poll_.get());
+    return Client(avahi_client_new(poll, AvahiClientFlags(0), &state_changed, this, error), &avahi_client_free);
   }
 
   void wait(std::chrono::milliseconds limit) {

@@ -34,8 +34,8 @@ public:
   Lookup(Lookup const &) = delete;
   Lookup &operator=(Lookup const &) = delete;
 
-  // Becomes readable (end of file) when the answer is there. The caller owns it from now on and closes it; -1 when there
-  // was none, or the second time.
+  // Becomes readable (end of file) when the answer is there. The caller owns it from now on and closes it; -1 when
+  // there was none, or the second time.
   int take_descriptor();
   // Waits for the answer, for at most so long. Before the descriptor is taken; true when the answer is there.
   bool wait(std::chrono::milliseconds limit) const;

@@ -10,6 +10,7 @@ namespace {
 
 using Outcome = LookupAnswer::Outcome;
 
+constexpr char kLooking[] = "Looking for the printer…";
 constexpr char kSettings[] = "the system's printer settings, or with lpadmin -v";
 constexpr char kStill[] = " Documents go to the queue all the same.";
 
@@ -26,7 +27,7 @@ AddressStatus unknown(std::string const &why, std::string const &advice) {
 }
 
 AddressStatus name_status(std::string const &name, std::optional<LookupAnswer> const &answer) {
-  if (!answer) return {"Looking for the printer…", "The name service is asked for the address of " + quoted(name) + "."};
+  if (!answer) return {kLooking, "The name service is asked for the address of " + quoted(name) + "."};
   switch (answer->outcome) {
     case Outcome::found:
       return found_at(answer->address->text, "This is the address of " + quoted(name) + ".");
@@ -41,8 +42,8 @@ AddressStatus name_status(std::string const &name, std::optional<LookupAnswer> c
   }
   return unknown(quoted(name) + " could not be looked up",
                  "The name service says: " + answer->reason +
-                     ". Is the name right, and known in this network? The queue's device URI is changed with " + kSettings +
-                     ".");
+                     ". Is the name right, and known in this network? The queue's device URI is changed with " +
+                     kSettings + ".");
 }
 
 // "Office MFP._ipp._tcp.local" -> "Office MFP"
@@ -53,7 +54,7 @@ std::string printer_of(std::string const &service) {
 
 AddressStatus service_status(std::string const &service, std::optional<LookupAnswer> const &answer) {
   std::string const printer = quoted(printer_of(service));
-  if (!answer) return {"Looking for the printer…", "The local network is asked for " + printer + "."};
+  if (!answer) return {kLooking, "The local network is asked for " + printer + "."};
   switch (answer->outcome) {
     case Outcome::found: return found_at(answer->address->text, "The local network knows " + printer + " there.");
     case Outcome::silent:
@@ -82,8 +83,8 @@ AddressStatus other_status(std::string const &scheme) {
   for (auto const &[name, reason] : kReasons)
     if (scheme == name) advice = reason;
   return unknown("the queue's device is of the kind " + quoted(scheme),
-                 advice + " For an address, add a queue with a device URI that begins with ipp, ipps, socket, lpd, dnssd or "
-                          "usb.");
+                 advice + " For an address, add a queue with a device URI that begins with ipp, ipps, socket, lpd, "
+                          "dnssd or usb.");
 }
 
 }  // namespace

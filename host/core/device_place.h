@@ -1,7 +1,9 @@
-// Where a queue's device URI says that the printer is, and the device URI that an extension's panel is given in its place.
+// Where a queue's device URI says that the printer is, and the device URI that an extension's panel is given in its
+// place.
 //
-// A panel may look a host name up on the main thread while it is made, for as long as the name service takes. So a panel
-// is never given a URI that needs such a look-up: it gets the numeric address, and no URI at all as long as there is none.
+// A panel may look a host name up on the main thread while it is made, for as long as the name service takes. So a
+// panel is never given a URI that needs such a look-up: it gets the numeric address, and no URI at all as long as there
+// is none.
 #pragma once
 
 #include <optional>
@@ -44,8 +46,8 @@ struct DevicePlace {
   std::optional<std::string> panel_uri;
 };
 
-// CUPS reaches printers by ipps, https and http as it does by ipp, so a panel gets "ipp" for these; and "dnssd" for each
-// of the four where the host is the name of a service ("Office%20MFP._ipps._tcp.local"). Any bytes are allowed in.
+// CUPS reaches printers by ipps, https and http as it does by ipp, so a panel gets "ipp" for these; and "dnssd" for
+// each of the four where the host is the name of a service ("Office%20MFP._ipps._tcp.local"). Any bytes are allowed in.
 DevicePlace place_of(std::string const &device_uri);
 
 // The device URI with another host, as a panel gets it when the name was found; device_uri is one of Route::name.

@@ -2,7 +2,8 @@
 //
 // Both go through the main thread's dictionary, so that the test program needs no name of this bundle: "calls" is an
 // NSMutableArray of texts such as "shouldHide", "answers" maps an operation to NO ("0"), to "raise", or to "dialog" for
-// a modal window with a Help and a Start button. Under "deviceURI" stands there what the panel was given, "none" for none.
+// a modal window with a Help and a Start button. Under "deviceURI" stands there what the panel was given, "none" for
+// none.
 #include <PrintCore/PDEPluginInterface.h>
 
 @interface RecordingPanel : NSObject <PDEPanel> {

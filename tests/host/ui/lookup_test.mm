@@ -37,7 +37,7 @@ namespace {
 // The device URIs of the two queues, as the next dialog finds them.
 std::string fax_uri, plain_uri;
 
-class Lookup : public Dialog {
+class PrinterSearch : public Dialog {
  protected:
   static void SetUpTestSuite() {
     Dialog::SetUpTestSuite();
@@ -76,10 +76,10 @@ class Lookup : public Dialog {
   static std::string refused_;
 };
 
-std::string Lookup::refused_;
+std::string PrinterSearch::refused_;
 
 // With the real panel, which would look the name up again if it were given it.
-TEST_F(Lookup, ADeadNameServerNeverStopsTheDialog) {
+TEST_F(PrinterSearch, ADeadNameServerNeverStopsTheDialog) {
   auto const start = Clock::now();
   open_at("ipp://mfp.dead.example/ipp", "", FAX_EXTENSION);
   double const drawn = std::chrono::duration<double>(Clock::now() - start).count();
@@ -113,7 +113,7 @@ struct KnownCase {
   char const *status;
 };
 
-TEST_F(Lookup, ThePanelGetsAnAddressThatNeedsNoLookUp) {
+TEST_F(PrinterSearch, ThePanelGetsAnAddressThatNeedsNoLookUp) {
   for (auto const &[uri, given, status] : {
            KnownCase{"ipp://office.example/ipp", "ipp://192.0.2.20:631/ipp", "Found at 192.0.2.20."},
            KnownCase{"ipps://office.example/ipp", "ipp://192.0.2.20:631/ipp", "Found at 192.0.2.20."},
@@ -133,14 +133,14 @@ TEST_F(Lookup, ThePanelGetsAnAddressThatNeedsNoLookUp) {
   }
 }
 
-TEST_F(Lookup, AServiceWithoutDiscoveryIsToldAndKeepsNobodyWaiting) {
+TEST_F(PrinterSearch, AServiceWithoutDiscoveryIsToldAndKeepsNobodyWaiting) {
   open_at("ipps://Office%20MFP._ipps._tcp.local/");
   EXPECT_TRUE(wait_until_ready(1));
   EXPECT_EQ(panel_uri(), "none");
   EXPECT_EQ(printer_status(), "Address unknown: network discovery is not available.");
 }
 
-TEST_F(Lookup, AnAnswerAboutTheFormerPrinterIsDropped) {
+TEST_F(PrinterSearch, AnAnswerAboutTheFormerPrinterIsDropped) {
   NSAutoreleasePool *opening = [NSAutoreleasePool new];
   open_at("ipp://slow.example/ipp", "socket://192.0.2.9");
   EXPECT_FALSE([dialog_ isReady]);
@@ -160,7 +160,7 @@ TEST_F(Lookup, AnAnswerAboutTheFormerPrinterIsDropped) {
   [opening release];
 }
 
-TEST_F(Lookup, TheDialogMayEndBeforeTheAnswerComes) {
+TEST_F(PrinterSearch, TheDialogMayEndBeforeTheAnswerComes) {
   open_at("ipp://slow.example/ipp");
   [dialog_ cancel:nil];
   EXPECT_EQ(owner_->ends, 1);
@@ -170,7 +170,7 @@ TEST_F(Lookup, TheDialogMayEndBeforeTheAnswerComes) {
   EXPECT_THAT(calls(), IsEmpty());
 }
 
-TEST_F(Lookup, TheFaxPanelKnowsTheAddressAsSoonAsItIsThere) {
+TEST_F(PrinterSearch, TheFaxPanelKnowsTheAddressAsSoonAsItIsThere) {
   for (auto const &[uri, address] : {std::pair{"ipps://office.example/ipp", "192.0.2.20"},
                                      std::pair{"ipp://[v1.fe80::7+lo]/ipp", "fe80::7%lo"},
                                      std::pair{"usb://Norvalt/F1", ""}}) {

@@ -65,7 +65,8 @@ void serve(int socket) {
     std::string const name(packet + 13, static_cast<std::size_t>(length) - 13);
     bool const slow = name.starts_with("slow");
     if (!slow && !name.starts_with("unknown")) continue;
-    if (slow) std::this_thread::sleep_for(std::chrono::milliseconds(200));  // the two questions come one after the other
+    // The two questions of a look-up, for either family, come one after the other.
+    if (slow) std::this_thread::sleep_for(std::chrono::milliseconds(200));
     packet[2] = static_cast<char>(0x81);  // an answer
     packet[3] = static_cast<char>(0x83);  // there is no such name
     sendto(socket, packet, static_cast<std::size_t>(length), 0, reinterpret_cast<sockaddr *>(&asker), size);
@@ -87,8 +88,8 @@ bool start_name_server() {
 
 std::string enter_silent_network() {
   bool const done = unshare_all() && mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-                    mount("none", kPlace, "tmpfs", 0, nullptr) == 0 && replace("resolv.conf", "nameserver 127.0.0.1\n") &&
-                    replace("hosts", "192.0.2.20 office.example\n") && replace("nsswitch.conf", "hosts: files dns\n") &&
+                    mount("none", kPlace, "tmpfs", 0, nullptr) == 0 &&
+                    replace("resolv.conf", "nameserver 127.0.0.1\n") && replace("hosts", "192.0.2.20 office.example\n") && replace("nsswitch.conf", "hosts: files dns\n") &&
                     hide("/run/dbus") && hide("/run/avahi-daemon") && raise_loopback() && start_name_server();
   return done ? "" : std::strerror(errno);
 }
