@@ -90,10 +90,12 @@ void click(NSView *view, NSPoint point) {
 
 void send_keys(NSWindow *window, char const *names) {
   [window makeKeyAndOrderFront:nil];
+  // One look is not enough: the focus may be passing through on its way to another window, or about to leave this one.
   std::string const title = [[window title] UTF8String];
   std::string const command =
-      "(for turn in $(seq 100); do [ \"$(xdotool getwindowfocus getwindowname)\" = '" + title +
-      "' ] && break; sleep 0.05; done; sleep 0.3; xdotool key --delay 40 " + names + ") >/dev/null 2>&1 &";
+      "(seen=0; for turn in $(seq 100); do [ \"$(xdotool getwindowfocus getwindowname)\" = '" + title +
+      "' ] && seen=$((seen + 1)) || seen=0; [ $seen -ge 8 ] && break; sleep 0.05; done; xdotool key --delay 40 " + names +
+      ") >/dev/null 2>&1 &";
   if (std::system(command.c_str()) != 0) std::abort();
 }
 
