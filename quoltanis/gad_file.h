@@ -39,7 +39,7 @@ inline constexpr std::uint32_t greatest_member_id = 65535;
 struct Individual {
   std::uint32_t id = 0;  // given when it is added; what stands here then is not read
   std::string name;      // not empty
-  std::string number;
+  std::string number;    // not empty
   std::string company;
   std::string note;
   std::int64_t registered = 0;  // seconds since 1970-01-01 UTC
@@ -105,7 +105,7 @@ private:
 // One change, all or nothing: nothing of it is in the file before commit answers success, and all of it afterwards,
 // whatever happens to the program or its machine. Undone by its end.
 //
-// After present, text_unfit, empty_name, no_entry and no_member the change goes on as if the call had not been made;
+// After present, text_unfit, empty_name, empty_number, no_entry and no_member the change goes on as if the call had not been made;
 // after any other failure every later call answers that failure, commit included.
 class Change {
 public:

@@ -19,7 +19,7 @@ enum class Status : std::uint32_t {
   // Of the caller or of this process
   argument = 0x20000101,   // a null handle or buffer, an argument that is no string, a path that is not absolute
   memory = 0x20000102,     // no memory
-  unexpected = 0x20000103, // a fault of the library
+  unexpected = 0x20000103,  // a fault of the library
 
   // Of a file
   no_file = 0x20000110,       // there is none at the path
@@ -34,6 +34,7 @@ enum class Status : std::uint32_t {
   file_exists = 0x20000119,   // a new file would replace one
   no_entry = 0x2000011A,      // no individual or group of that id
   no_member = 0x2000011B,     // an individual with an id above 65535 cannot be in a group
+  empty_number = 0x2000011C,
 
   // Of the printer's book
   no_address = 0x20000120,     // no printer is set, or its address is none
