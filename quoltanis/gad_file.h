@@ -38,26 +38,26 @@ inline constexpr std::uint32_t greatest_member_id = 65535;
 
 struct Individual {
   std::uint32_t id = 0;  // given when it is added; what stands here then is not read
-  std::string name;      // not empty
-  std::string number;    // not empty
-  std::string company;
-  std::string note;
+  std::string name{};    // not empty
+  std::string number{};  // not empty
+  std::string company{};
+  std::string note{};
   std::int64_t registered = 0;  // seconds since 1970-01-01 UTC
-  std::string index_key;        // empty: made from the name when it is added
+  std::string index_key{};      // empty: made from the name when it is added
 };
 
 // The same as it stands in the file; lives as long as the visitor's call.
 struct IndividualView {
   std::uint32_t id = 0;
-  std::string_view name, number, company, note, index_key;
+  std::string_view name{}, number{}, company{}, note{}, index_key{};
   std::int64_t registered = 0;
 };
 
 // Members are ids of individuals, ascending; lives as long as the visitor's call.
 struct GroupView {
   std::uint32_t id = 0;
-  std::string_view name;
-  std::span<std::uint32_t const> members;
+  std::string_view name{};
+  std::span<std::uint32_t const> members{};
 };
 
 // A visitor answers whether it wants the next one; an empty one is not called.
