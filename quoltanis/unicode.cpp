@@ -89,6 +89,12 @@ Filled fill_field(std::span<char16_t> field, std::string_view utf8) {
   bool valid = true;
   std::size_t const room = field.size() - 1;
   while (!utf8.empty() && utf8.front() != '\0') {
+    if (static_cast<unsigned char>(utf8.front()) < 0x80) {
+      if (units == room) break;
+      field[units++] = static_cast<char16_t>(utf8.front());
+      utf8.remove_prefix(1);
+      continue;
+    }
     auto const [character, length] = decode(utf8);
     std::size_t const needed = character >= 0x10000 ? 2 : 1;
     if (units + needed > room) break;
