@@ -261,7 +261,9 @@ Status Directory::page(Query const &query, Page &progress,
     int const kind = ldap_msgtype(message.get());
     if (kind == LDAP_RES_SEARCH_RESULT) return next_cookie(message, progress);
     if (kind != LDAP_RES_SEARCH_ENTRY) continue;
-    Status const status = take(entry_in(message.get()));
+    DirectoryEntry entry;
+    Status status = decode(message.get(), entry);
+    if (status == Status::success) status = take(entry);
     if (status == Status::success) continue;
     ldap_abandon_ext(ldap_.get(), id, nullptr, nullptr);
     return status;
@@ -283,8 +285,7 @@ Status Directory::next_cookie(Message const &message, Page &progress) {
   return sound ? Status::success : Status::bad_answer;
 }
 
-DirectoryEntry Directory::entry_in(LDAPMessage *message) {
-  DirectoryEntry entry;
+Status Directory::decode(LDAPMessage *message, DirectoryEntry &entry) {
   BerElement *position = nullptr;
   berval dn{0, nullptr};
   int code = ldap_get_dn_ber(ldap_.get(), message, &position, &dn);
@@ -300,7 +301,7 @@ DirectoryEntry Directory::entry_in(LDAPMessage *message) {
     ber_memfree(values);
   }
   ber_free(position, 0);
-  return entry;
+  return code == LDAP_SUCCESS ? Status::success : Status::bad_answer;
 }
 
 Status Directory::knock() {

@@ -64,7 +64,7 @@ private:
   Status failure(int code);
   Status page(Query const &query, Page &page, std::function<Status(DirectoryEntry const &)> const &take);
   Status next_cookie(Message const &message, Page &page);
-  DirectoryEntry entry_in(LDAPMessage *message);
+  Status decode(LDAPMessage *message, DirectoryEntry &entry);
   Watchdog::Clock::time_point step_end();
 
   PrinterSettings const &settings_;

@@ -29,12 +29,13 @@ inline std::string ber(unsigned char tag, std::string_view contents) {
   return text.append(contents);
 }
 
-inline std::string message(char id, std::string_view operation) {
-  return ber(0x30, ber(0x02, {&id, 1}).append(operation));
+inline std::string message(int id, std::string_view operation) {
+  char const bytes[] = {static_cast<char>(id >> 16 & 0x7F), static_cast<char>(id >> 8), static_cast<char>(id)};
+  return ber(0x30, ber(0x02, {bytes, sizeof bytes}).append(operation));
 }
 
 // tag: 0x61 bind, 0x65 end of a search, 0x78 extended.
-inline std::string result(char id, unsigned char tag, char code, std::string_view more = "") {
+inline std::string result(int id, unsigned char tag, char code, std::string_view more = "") {
   return message(id, ber(tag, ber(0x0A, {&code, 1}).append(ber(0x04, "")).append(ber(0x04, "")).append(more)));
 }
 
@@ -44,7 +45,7 @@ inline std::string attribute(std::string_view name, std::vector<std::string> con
   return ber(0x30, ber(0x04, name).append(ber(0x31, all)));
 }
 
-inline std::string entry(char id, std::string_view dn, std::string_view attributes) {
+inline std::string entry(int id, std::string_view dn, std::string_view attributes) {
   return message(id, ber(0x64, ber(0x04, dn).append(ber(0x30, attributes))));
 }
 
@@ -55,13 +56,16 @@ public:
   public:
     Line(int socket, std::atomic<bool> const &over) : socket_(socket), over_(over) {}
     // Waits for a request and answers its id; 0 when none comes any more.
-    char request() const {
+    int request() const {
       unsigned char bytes[4096];
       if (!wait(POLLIN)) return 0;
       auto const size = recv(socket_, bytes, sizeof bytes, 0);
-      for (int at = 2; at + 2 < size && at < 6; ++at)
-        if (bytes[at] == 0x02 && bytes[at + 1] == 1) return static_cast<char>(bytes[at + 2]);
-      return 0;
+      if (size < 16) return 0;
+      int at = bytes[1] < 0x80 ? 3 : 3 + (bytes[1] & 0x7F);  // the length of the id
+      int const end = at + 1 + bytes[at];
+      int id = 0;
+      while (++at < end && at < size) id = id << 8 | bytes[at];
+      return id;
     }
     // Whether all of it went out.
     bool send(std::string_view bytes) const {

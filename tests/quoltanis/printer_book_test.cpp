@@ -55,19 +55,24 @@ protected:
   };
   Answer ask(std::string const &configuration, std::string const &address = "127.0.0.1",
              std::string const &password = "1234") {
-    gad::put(folder + "/book.conf", configuration);
-    setenv("DIRECTFAX_PRINTER_BOOK", (folder + "/book.conf").c_str(), 1);
-    PrinterBook book;
-    EXPECT_EQ(book.initialize(), Status::success);
-    book.set_address(address);
+    PrinterBook const book = configured(configuration, address);
     Answer answer{book.status(), Status::success, 0, 0, {}};
     auto const start = Clock::now();
     answer.read = book.read(password, data);
     answer.time = std::chrono::ceil<std::chrono::milliseconds>(Clock::now() - start);
     answer.contacts = data.individuals(Source::printer);
     answer.groups = data.groups(Source::printer);
-    unsetenv("DIRECTFAX_PRINTER_BOOK");
     return answer;
+  }
+
+  PrinterBook configured(std::string const &configuration, std::string const &address = "127.0.0.1") {
+    gad::put(folder + "/book.conf", configuration);
+    setenv("DIRECTFAX_PRINTER_BOOK", (folder + "/book.conf").c_str(), 1);
+    PrinterBook book;
+    EXPECT_EQ(book.initialize(), Status::success);
+    unsetenv("DIRECTFAX_PRINTER_BOOK");
+    book.set_address(address);
+    return book;
   }
 
   AddressData data;
@@ -199,8 +204,8 @@ using Line = FakeServer::Line;
 std::string const ann = attribute("cn", {"Ann"}) + attribute("facsimileTelephoneNumber", {"1"});
 
 // Lets the client in; its search has the id that comes back.
-char let_in(Line const &line) {
-  char const bind = line.request();
+int let_in(Line const &line) {
+  int const bind = line.request();
   line.send(result(bind, bind == 1 ? 0x61 : 0x65, 0));
   return line.request();
 }
@@ -209,41 +214,41 @@ TEST_F(PrinterBookTest, ServersThatMisbehave) {
   struct Case {
     char const *what;
     std::function<void(Line const &)> script;
-    std::vector<Status> read;  // any of them
+    Status read;
     int longest_ms;
     char const *configuration = "";
   };
   using enum Status;
   auto const start_tls_then = [](std::string const &answer) {
     return [answer](Line const &line) {
-      char const id = line.request();
+      int const id = line.request();
       line.send(answer.empty() ? result(id, 0x78, 0) : answer);
       line.idle();
     };
   };
   std::string const page_again =
       ber(0xA0, ber(0x30, ber(0x04, "1.2.840.113556.1.4.319") + ber(0x04, ber(0x30, ber(0x02, "\1") + ber(0x04, "x")))));
-  auto const paged = [page_again](char id) {
+  auto const paged = [page_again](int id) {
     char const code = 0;
     return message(id, ber(0x65, ber(0x0A, {&code, 1}) + ber(0x04, "") + ber(0x04, "")) + page_again);
   };
   Case const cases[] = {
-      {"never answers", [](Line const &line) { line.idle(); }, {time_out}, 2500},
-      {"ends at once", [](Line const &) {}, {unreachable}, 500},
-      {"ends after the bind", [](Line const &line) { let_in(line); }, {unreachable}, 500},
-      {"is silent after the bind", [](Line const &line) { let_in(line); line.idle(); }, {time_out}, 2500},
-      {"ends between two entries", [](Line const &line) { line.send(entry(let_in(line), "cn=a", ann)); }, {unreachable},
+      {"never answers", [](Line const &line) { line.idle(); }, time_out, 2500},
+      {"ends at once", [](Line const &) {}, unreachable, 500},
+      {"ends after the bind", [](Line const &line) { let_in(line); }, unreachable, 500},
+      {"is silent after the bind", [](Line const &line) { let_in(line); line.idle(); }, time_out, 2500},
+      {"ends between two entries", [](Line const &line) { line.send(entry(let_in(line), "cn=a", ann)); }, unreachable,
        500},
       {"ends in mid-entry",
        [](Line const &line) { line.send(entry(let_in(line), "cn=a", ann).substr(0, 20)); },
-       {unreachable},
+       unreachable,
        500},
       {"stops in mid-entry",
        [](Line const &line) {
          line.send(entry(let_in(line), "cn=a", ann).substr(0, 20));
          line.idle();
        },
-       {time_out},
+       time_out,
        2500},
       {"sends a byte now and then",
        [](Line const &line) {
@@ -254,24 +259,24 @@ TEST_F(PrinterBookTest, ServersThatMisbehave) {
          }
          line.idle();
        },
-       {time_out},
+       time_out,
        3500},
       {"says no LDAP", [](Line const &line) { line.send("HTTP/1.0 400 Bad Request\r\n\r\n"); line.idle(); },
-       {unreachable, bad_answer, time_out}, 2500},
+       time_out, 2500},
       {"claims a message of 2 GB",
        [](Line const &line) {
          let_in(line);
          line.send(std::string_view("\x30\x84\x7F\xFF\xFF\xFF\x02\x01\x02", 9));
          line.idle();
        },
-       {unreachable, bad_answer}, 2500},
+       unreachable, 500},
       {"sends broken entries",
        [](Line const &line) {
-         char const id = let_in(line);
+         int const id = let_in(line);
          line.send(message(id, ber(0x64, "\x04\x7F" "abc")) + message(id, ber(0x64, "")) + result(id, 0x65, 0));
          line.idle();
        },
-       {success, bad_answer, unreachable}, 2500},
+       bad_answer, 2500},
       {"sends entries for ever",
        [](Line const &line) {
          std::string const one = entry(let_in(line), "cn=a", ann);
@@ -279,39 +284,34 @@ TEST_F(PrinterBookTest, ServersThatMisbehave) {
          for (int i = 0; i < 500; ++i) many += one;
          while (line.send(many)) continue;
        },
-       {incomplete}, 6500},
+       incomplete, 6500},
       {"sends empty pages for ever",
        [paged](Line const &line) {
-         for (char id = let_in(line); id != 0; id = line.request())
+         for (int id = let_in(line); id != 0; id = line.request())
            if (!line.send(paged(id))) return;
        },
-       {time_out, unreachable}, 7500},
+       time_out, 7500},
       {"refuses the search", [](Line const &line) { line.send(result(let_in(line), 0x65, 50)); line.idle(); },
-       {refused}, 500},
+       refused, 500},
       {"is busy with itself", [](Line const &line) { line.send(result(let_in(line), 0x65, 11)); line.idle(); },
-       {incomplete}, 500},
-      {"refuses StartTLS", start_tls_then(result(1, 0x78, 2)), {tls}, 500, "tls = starttls\n"},
-      {"is silent after StartTLS", start_tls_then(""), {time_out, tls}, 2500, "tls = starttls\n"},
-      {"speaks plain where TLS is due", start_tls_then(result(1, 0x78, 0) + std::string(200, 'x')), {tls, unreachable},
+       incomplete, 500},
+      {"refuses StartTLS", start_tls_then(result(1, 0x78, 2)), tls, 500, "tls = starttls\n"},
+      {"is silent after StartTLS", start_tls_then(""), time_out, 2500, "tls = starttls\n"},
+      {"speaks plain where TLS is due", start_tls_then(result(1, 0x78, 0) + std::string(200, 'x')), tls,
        2500, "tls = starttls\n"},
-      {"is silent where TLS is due", [](Line const &line) { line.idle(); }, {time_out, tls}, 2500, "tls = ldaps\n"},
+      {"is silent where TLS is due", [](Line const &line) { line.idle(); }, time_out, 2500, "tls = ldaps\n"},
   };
   for (auto const &row : cases) {
     FakeServer const server(row.script);
-    std::string const configuration = base + plain + row.configuration + "port = " + std::to_string(server.port()) + "\n";
-    gad::put(folder + "/book.conf", configuration);
-    setenv("DIRECTFAX_PRINTER_BOOK", (folder + "/book.conf").c_str(), 1);
-    PrinterBook book;
-    ASSERT_EQ(book.initialize(), Status::success);
-    book.set_address("127.0.0.1");
+    PrinterBook const book =
+        configured(base + plain + row.configuration + "port = " + std::to_string(server.port()) + "\n");
     auto const start = Clock::now();
     Status const status = book.read("1234", data);
     auto const time = std::chrono::ceil<std::chrono::milliseconds>(Clock::now() - start);
-    EXPECT_THAT(row.read, testing::Contains(status)) << row.what << ": " << describe(status);
+    EXPECT_EQ(status, row.read) << row.what;
     EXPECT_LT(time.count(), row.longest_ms * TIME_FACTOR) << row.what;
     EXPECT_EQ(data.individuals(Source::printer), 0u) << row.what;
   }
-  unsetenv("DIRECTFAX_PRINTER_BOOK");
 }
 
 TEST_F(PrinterBookTest, AnEmptyPasswordIsNeverSent) {
@@ -323,16 +323,10 @@ TEST_F(PrinterBookTest, AnEmptyPasswordIsNeverSent) {
   Directory directory(settings, std::chrono::seconds(1));
   ASSERT_EQ(directory.connect("127.0.0.1"), Status::success);
   EXPECT_EQ(directory.bind("cn=x", ""), Status::password);
-  std::string const configuration = base + plain + "port = " + std::to_string(server.port()) + "\n";
-  gad::put(folder + "/book.conf", configuration);
-  setenv("DIRECTFAX_PRINTER_BOOK", (folder + "/book.conf").c_str(), 1);
-  PrinterBook book;
-  ASSERT_EQ(book.initialize(), Status::success);
-  book.set_address("127.0.0.1");
-  EXPECT_EQ(book.read("", data), Status::password);
+  EXPECT_EQ(configured(base + plain + "port = " + std::to_string(server.port()) + "\n").read("", data),
+            Status::password);
   usleep(100'000);
   EXPECT_LE(connections, 1);
-  unsetenv("DIRECTFAX_PRINTER_BOOK");
 }
 
 // In a network of the child's own, whose loopback has a link-local address too.
