@@ -59,6 +59,13 @@ constexpr std::uint16_t short_id(std::uint32_t id) {
 
 }  // namespace
 
+void AddressData::expect_file_of(std::size_t bytes) {
+  constexpr std::size_t most = 64 << 20, bytes_of_a_row = 64;
+  Part &part = of(Source::file);
+  part.units.reserve(std::min(bytes, most) / 2);
+  part.individuals.reserve(std::min(bytes, most) / bytes_of_a_row);
+}
+
 Status AddressData::append(Source source, gad::IndividualView const &view) {
   using Limits = gad::Limits;
   constexpr std::array<std::size_t, texts> limits{Limits::name, Limits::index_key, Limits::number, Limits::company,

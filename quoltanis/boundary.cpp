@@ -74,6 +74,8 @@ Status read_file(std::string const &path, AddressData &data) {
   gad::File file;
   if (Status const status = gad::File::open(path, gad::Access::read, file); status != Status::success) return status;
   AddressData read;
+  std::error_code unknown;
+  if (auto const bytes = std::filesystem::file_size(path, unknown); !unknown) read.expect_file_of(bytes);
   Status fit = Status::success;
   auto const take = [&](auto const &view) { return (fit = read.append(Source::file, view)) == Status::success; };
   Status const status = file.read(take, take);

@@ -6,8 +6,8 @@
 #include <gmock/gmock.h>
 
 #include <dlfcn.h>
+#include <time.h>
 
-#include <chrono>
 #include <cstring>
 #include <iostream>
 #include <memory>
@@ -185,10 +185,14 @@ TEST_F(BoundaryTest, ThePrinter) {
   q.ABIFData_Delete(data);
 }
 
-// Reading into a handle and taking every record out again, against a bare loop over the same rows.
+// Reading into a handle and taking every record out again, against a bare loop over the same columns.
 TEST_F(BoundaryTest, ReadsNearlyAsFastAsTheFileCanBeRead) {
-  using Clock = std::chrono::steady_clock;
-  auto const milliseconds = [](Clock::duration time) { return std::chrono::duration<double, std::milli>(time).count(); };
+  // Of the processor: the tests beside this one take time too.
+  auto const milliseconds = [] {
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
+  };
   for (int const size : {10'000, 100'000}) {
     std::filesystem::remove(path);
     std::vector<gad::Individual> people;
@@ -199,7 +203,7 @@ TEST_F(BoundaryTest, ReadsNearlyAsFastAsTheFileCanBeRead) {
     String const file = string(path);
     std::vector<double> bare_times, own_times;
     for (int round = 0; round < 5; ++round) {
-      auto start = Clock::now();
+      double start = milliseconds();
       sqlite3 *database = nullptr;
       sqlite3_stmt *rows = nullptr;
       ASSERT_EQ(sqlite3_open(path.c_str(), &database), SQLITE_OK);
@@ -209,17 +213,17 @@ TEST_F(BoundaryTest, ReadsNearlyAsFastAsTheFileCanBeRead) {
         for (int column = 0; column < 5; ++column) touched += sqlite3_column_text(rows, column)[0];
       sqlite3_finalize(rows);
       sqlite3_close(database);
-      bare_times.push_back(milliseconds(Clock::now() - start));
+      bare_times.push_back(milliseconds() - start);
       EXPECT_GT(touched, 0u);
 
-      start = Clock::now();
+      start = milliseconds();
       ABIFDataRef const data = q.ABIFData_Create();
       EXPECT_EQ(q.AbifGADFile_Read(file.get(), data, 0), 0u);
       MyFaxRecord record;
       int read = 0;
       while (read < q.ABIFData_GetCount_MyFax(data)) q.ABIFData_GetAt_MyFax(data, static_cast<UInt32>(read++), &record);
       q.ABIFData_Delete(data);
-      own_times.push_back(milliseconds(Clock::now() - start));
+      own_times.push_back(milliseconds() - start);
       EXPECT_EQ(read, size);
     }
     auto const median = [](std::vector<double> &times) {
@@ -228,7 +232,7 @@ TEST_F(BoundaryTest, ReadsNearlyAsFastAsTheFileCanBeRead) {
     };
     double const bare = median(bare_times), own = median(own_times);
     std::cout << size << " individuals: bare loop " << bare << " ms, library " << own << " ms, " << own / bare << " times\n";
-    EXPECT_LT(own, bare * 3 * TIME_FACTOR);
+    EXPECT_LT(own, bare * 2.5 * TIME_FACTOR);
   }
 }
 
