@@ -127,7 +127,18 @@ private:
   Status began_ = Status::success;
 };
 
-Status read_individuals(sqlite3 *database, Statement &rows, VisitIndividual const &visit) {
+// The index of a table has as many rows as the table: fewer that were seen are lost in a broken page.
+Status check_count(sqlite3 *database, char const *count_index, std::int64_t seen) {
+  Statement count(database, count_index);
+  int const code = count.step();
+  if (code != SQLITE_ROW) return status_of(database, code);
+  return count.integer(0) == seen ? Status::success : Status::damaged;
+}
+
+constexpr std::int64_t not_all = -1;
+
+// seen: how many rows there were, or not_all when the visitor wanted no more.
+Status read_individuals(sqlite3 *database, Statement &rows, VisitIndividual const &visit, std::int64_t &seen) {
   Plausible plausible(database);
   int code;
   while ((code = rows.step()) == SQLITE_ROW) {
@@ -141,9 +152,21 @@ Status read_individuals(sqlite3 *database, Statement &rows, VisitIndividual cons
                               .registered = rows.integer(5)};
     std::size_t const bytes = view.name.size() + view.number.size() + view.company.size() + view.note.size();
     if (!plausible.row(id, greatest_id, bytes)) return Status::damaged;
-    if (!visit(view)) return Status::success;
+    ++seen;
+    if (visit(view)) continue;
+    seen = not_all;
+    return Status::success;
   }
   return status_of(database, code);
+}
+
+Status read_all_individuals(sqlite3 *database, VisitIndividual const &visit) {
+  Statement rows(database,
+                 "SELECT id, name, number, company, note, registered, index_key FROM individuals ORDER BY id");
+  std::int64_t seen = 0;
+  Status const status = read_individuals(database, rows, visit, seen);
+  if (status != Status::success || seen == not_all) return status;
+  return check_count(database, "SELECT count(*) FROM individuals INDEXED BY sqlite_autoindex_individuals_1", seen);
 }
 
 // The members of one group after the other, from one pass over all of them.
@@ -166,9 +189,17 @@ public:
     return status_of(database, code_);
   }
 
+  // After the last group.
+  Status check(sqlite3 *database) {
+    while (code_ == SQLITE_ROW) next();
+    if (code_ != SQLITE_DONE) return status_of(database, code_);
+    return check_count(database, "SELECT count(*) FROM members INDEXED BY members_of_individual", seen_);
+  }
+
 private:
   void next() {
     code_ = rows_.step();
+    if (code_ == SQLITE_ROW) ++seen_;
     group_ = code_ == SQLITE_ROW ? rows_.integer(0) : 0;
     individual_ = code_ == SQLITE_ROW ? rows_.integer(1) : 0;
   }
@@ -177,6 +208,7 @@ private:
   int code_ = SQLITE_DONE;
   std::int64_t group_ = 0;
   std::int64_t individual_ = 0;
+  std::int64_t seen_ = 0;
 };
 
 Status read_groups(sqlite3 *database, VisitGroup const &visit) {
@@ -184,15 +216,19 @@ Status read_groups(sqlite3 *database, VisitGroup const &visit) {
   Members all(database);
   Plausible plausible(database);
   std::vector<std::uint32_t> members;
+  std::int64_t seen = 0;
   int code;
-  while ((code = rows.step()) == SQLITE_ROW) {
+  for (; (code = rows.step()) == SQLITE_ROW; ++seen) {
     auto const id = static_cast<std::uint32_t>(rows.integer(0));
     std::string_view const name = rows.text(1);
     if (!plausible.row(rows.integer(0), greatest_id, name.size())) return Status::damaged;
     if (Status const status = all.of(database, id, members); status != Status::success) return status;
     if (!visit({.id = id, .name = name, .members = members})) return Status::success;
   }
-  return status_of(database, code);
+  if (code != SQLITE_DONE) return status_of(database, code);
+  Status const status =
+      check_count(database, "SELECT count(*) FROM groups INDEXED BY sqlite_autoindex_groups_1", seen);
+  return status == Status::success ? all.check(database) : status;
 }
 
 // A file beside path that nobody else has, removed at the end unless it was moved to its place.
@@ -307,12 +343,9 @@ Status File::read(VisitIndividual const &individual, VisitGroup const &group) co
   if (database_ == nullptr) return Status::argument;
   Moment const moment(database_.get());
   if (moment.began() != Status::success) return moment.began();
-  if (individual) {
-    Statement rows(database_.get(),
-                   "SELECT id, name, number, company, note, registered, index_key FROM individuals ORDER BY id");
-    Status const status = read_individuals(database_.get(), rows, individual);
-    if (status != Status::success) return status;
-  }
+  if (individual)
+    if (Status const status = read_all_individuals(database_.get(), individual); status != Status::success)
+      return status;
   return group ? read_groups(database_.get(), group) : Status::success;
 }
 
@@ -323,7 +356,8 @@ Status File::search(std::string_view part, VisitIndividual const &individual) co
                  "SELECT id, name, number, company, note, registered, index_key FROM individuals"
                  " WHERE instr(coalesce(folded, lower(name)), ?) > 0 ORDER BY id");
   rows.bind(std::string_view(folded));
-  return read_individuals(database_.get(), rows, individual);
+  std::int64_t found = 0;
+  return read_individuals(database_.get(), rows, individual, found);
 }
 
 Status File::find(std::string_view name, std::string_view number, std::uint32_t &id) const {

@@ -95,7 +95,7 @@ TEST_F(ForeignFileTest, TruncatedAnywhere) {
 }
 
 // Flips bits in every stretch of 16 bytes: nothing crashes or hangs, reading alters nothing, and a book that is read
-// has the rows it had. Adding to it keeps all of them, or is refused and alters nothing.
+// has all its rows. Adding to it keeps them, or is refused and alters nothing.
 TEST_F(ForeignFileTest, FlippedAnywhere) {
   make(200);
   std::string const good = contents(path);
@@ -108,9 +108,11 @@ TEST_F(ForeignFileTest, FlippedAnywhere) {
     ASSERT_EQ(contents(path), bad) << at;
     ++damaged;
     if (before.status != Status::success) ++told;
+    bool const whole = before.people.size() == 200 && before.groups.size() == 1 && before.groups[0].members.size() == 10;
+    EXPECT_TRUE(whole || before.status != Status::success) << at;
+    if (at % 256 != 0) continue;  // a change waits for the disk
     if (add_someone(path) == Status::success) {
-      Book const after = read_book(path);
-      EXPECT_TRUE(before.status != Status::success || after.people.size() == before.people.size() + 1) << at;
+      EXPECT_EQ(read_book(path).people.size(), 201u) << at;
     } else {
       EXPECT_EQ(contents(path), bad) << at;
     }
