@@ -1,12 +1,45 @@
 #include "quoltanis/watchdog.h"
 
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
-namespace fax {
+#include <cerrno>
+#include <system_error>
 
-Watchdog::Watchdog(int socket) : socket_(fcntl(socket, F_DUPFD_CLOEXEC, 0)), thread_([this] { watch(); }) {}
+namespace fax {
+namespace {
+
+int duplicate(int socket) {
+  int const own = fcntl(socket, F_DUPFD_CLOEXEC, 0);
+  if (own < 0) throw std::system_error(errno, std::generic_category());
+  return own;
+}
+
+// The host's signals are for the host's threads.
+template <typename Work>
+std::thread thread_without_signals(Work work) {
+  sigset_t all, before;
+  sigfillset(&all);
+  pthread_sigmask(SIG_SETMASK, &all, &before);
+  struct Restore {
+    sigset_t &mask;
+    ~Restore() { pthread_sigmask(SIG_SETMASK, &mask, nullptr); }
+  } const restore{before};
+  return std::thread(work);
+}
+
+}  // namespace
+
+Watchdog::Watchdog(int socket) : socket_(duplicate(socket)) {
+  try {
+    thread_ = thread_without_signals([this] { watch(); });
+  } catch (...) {
+    close(socket_);
+    throw;
+  }
+}
 
 Watchdog::~Watchdog() {
   {
@@ -15,7 +48,7 @@ Watchdog::~Watchdog() {
   }
   changed_.notify_one();
   thread_.join();
-  if (socket_ >= 0) close(socket_);
+  close(socket_);
 }
 
 void Watchdog::set(Clock::time_point end) {

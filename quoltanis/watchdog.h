@@ -12,7 +12,8 @@ class Watchdog {
 public:
   using Clock = std::chrono::steady_clock;
 
-  // Holds a descriptor of its own for the same socket, so it never touches a number that was given to another.
+  // Holds a descriptor of its own for the same socket, so it never touches a number that was given to another. Throws
+  // std::system_error when the process can have no more descriptors or threads.
   explicit Watchdog(int socket);
   ~Watchdog();
   Watchdog(Watchdog const &) = delete;
@@ -25,7 +26,7 @@ public:
 private:
   void watch();
 
-  int socket_;
+  int const socket_;
   mutable std::mutex mutex_;
   std::condition_variable changed_;
   Clock::time_point end_ = Clock::time_point::max();

@@ -3,7 +3,9 @@
 #include "quoltanis/gad_schema.h"
 
 #include <fcntl.h>
+#include <sched.h>
 #include <signal.h>
+#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 
@@ -169,6 +171,23 @@ TEST_F(ForeignFileTest, PlacesThatRefuse) {
   EXPECT_EQ(status_in_child(small_files, adding_many), Status::full);
   EXPECT_EQ(contents(path), good);
   EXPECT_EQ(read_book(path).people.size(), 50u);
+
+  if (geteuid() == 0) {
+    std::string const disk = folder + "/disk";
+    std::filesystem::create_directory(disk);
+    auto const small_disk = [&] {  // that only this child sees
+      bool const mounted = unshare(CLONE_NEWNS) == 0 && mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+                           mount("none", disk.c_str(), "tmpfs", 0, "size=96k") == 0;
+      if (!mounted) _exit(1);
+      path = disk + "/own.gad";
+      put(path, good);
+    };
+    auto const filling = [&] {
+      Status const status = adding_many();
+      return contents(path) == good && names_in(disk).size() == 1 ? status : Status::unexpected;
+    };
+    EXPECT_EQ(status_in_child(small_disk, filling), Status::full);
+  }
 
   File file;
   Change change;

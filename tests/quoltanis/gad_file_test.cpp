@@ -192,7 +192,12 @@ TEST_F(BookTest, IdsStayAndAreGivenAgainOnlyWhenTheyRunOut) {
   EXPECT_EQ(change.remove(9), Status::success);
   EXPECT_EQ(id_of_new("f"), 9u);
   EXPECT_EQ(id_of_new("g"), 65538u);
+  std::uint32_t everyone = 0;
+  EXPECT_EQ(change.add_group("Everyone", &everyone), Status::success);
+  for (std::uint32_t id = 1; id <= 65535; ++id) ASSERT_EQ(change.add_member(everyone, id), Status::success);
+  EXPECT_EQ(change.add_member(everyone, 65536), Status::no_member);
   EXPECT_EQ(change.commit(), Status::success);
+  EXPECT_EQ(read_book(path).groups.back().members.size(), 65535u);
 }
 
 TEST_F(BookTest, TheShellReadsOursAndWeReadTheShells) {
