@@ -163,7 +163,8 @@ void AddressData::write_group(Part const &part, Group const &group, Head *record
   auto *const bytes = reinterpret_cast<std::byte *>(record);
   std::memcpy(bytes, &head, sizeof head);
   if (group.member_count != 0)
-    std::memcpy(bytes + sizeof head, part.members.data() + group.first_member, group.member_count * sizeof(std::uint16_t));
+    std::memcpy(bytes + sizeof head, part.members.data() + group.first_member,
+                group.member_count * sizeof(std::uint16_t));
 }
 
 void AddressData::write_group(std::size_t index, MyFaxGroupHead *record) const {

@@ -23,9 +23,9 @@ public:
   // Makes room for what a file of so many bytes may hold, so that the texts are not moved again and again. A hint.
   void expect_file_of(std::size_t bytes);
 
-  // Adds an individual as it can be carried: a name, company or note that is too long is cut between two characters, and
-  // what is no UTF-8 becomes U+FFFD. text_unfit for a number that is not whole or not valid, as a fax must not go to the
-  // half of one, and for an empty name or number.
+  // Adds an individual as it can be carried: a name, company or note that is too long is cut between two characters,
+  // and what is no UTF-8 becomes U+FFFD. text_unfit for a number that is not whole or not valid, as a fax must not go
+  // to the half of one, and for an empty name or number.
   Status append(Source source, gad::IndividualView const &individual);
   // A group whose name is cut likewise. text_unfit for an empty name; members outside 1 to 65535 are left out.
   Status append(Source source, gad::GroupView const &group);

@@ -239,8 +239,7 @@ Status Directory::search(Query const &query, std::function<Status(DirectoryEntry
   }
 }
 
-Status Directory::page(Query const &query, Page &progress,
-                       std::function<Status(DirectoryEntry const &)> const &take) {
+Status Directory::page(Query const &query, Page &progress, std::function<Status(DirectoryEntry const &)> const &take) {
   std::vector<char *> attributes;
   for (auto const &attribute : query.attributes) attributes.push_back(const_cast<char *>(attribute.c_str()));
   attributes.push_back(nullptr);
@@ -279,8 +278,8 @@ Status Directory::next_cookie(Message const &message, Page &progress) {
   if (parsed != LDAP_SUCCESS) return Status::bad_answer;
   ber_int_t estimate = 0;
   LDAPControl *const control = ldap_control_find(LDAP_CONTROL_PAGEDRESULTS, controls, nullptr);
-  bool const sound = control == nullptr || ldap_parse_pageresponse_control(ldap_.get(), control, &estimate,
-                                                                           &progress.cookie) == LDAP_SUCCESS;
+  bool const sound = control == nullptr ||
+                     ldap_parse_pageresponse_control(ldap_.get(), control, &estimate, &progress.cookie) == LDAP_SUCCESS;
   ldap_controls_free(controls);
   return sound ? Status::success : Status::bad_answer;
 }

@@ -61,8 +61,9 @@ void distrust(sqlite3 *database) {
 // extra: with less, a power cut just after a commit could bring the journal back and undo it.
 Status configure(sqlite3 *database) {
   distrust(database);
-  return run(database,
-             "PRAGMA cell_size_check = ON; PRAGMA mmap_size = 0; PRAGMA temp_store = MEMORY; PRAGMA synchronous = EXTRA");
+  return run(
+      database,
+      "PRAGMA cell_size_check = ON; PRAGMA mmap_size = 0; PRAGMA temp_store = MEMORY; PRAGMA synchronous = EXTRA");
 }
 
 // Exactly the tables of an address book, so that every rule they carry holds in the file too.
@@ -226,8 +227,7 @@ Status read_groups(sqlite3 *database, VisitGroup const &visit) {
     if (!visit({.id = id, .name = name, .members = members})) return Status::success;
   }
   if (code != SQLITE_DONE) return status_of(database, code);
-  Status const status =
-      check_count(database, "SELECT count(*) FROM groups INDEXED BY sqlite_autoindex_groups_1", seen);
+  Status const status = check_count(database, "SELECT count(*) FROM groups INDEXED BY sqlite_autoindex_groups_1", seen);
   return status == Status::success ? all.check(database) : status;
 }
 
@@ -253,9 +253,9 @@ public:
 
   // A link, as a rename would replace what is there; where the file system has no links, a rename that does not.
   Status move_to(std::string const &place) {
-    bool const moved = link(path_.c_str(), place.c_str()) == 0 ||
-                       (errno == EPERM && renameat2(AT_FDCWD, path_.c_str(), AT_FDCWD, place.c_str(),
-                                                    RENAME_NOREPLACE) == 0);
+    bool const moved =
+        link(path_.c_str(), place.c_str()) == 0 ||
+        (errno == EPERM && renameat2(AT_FDCWD, path_.c_str(), AT_FDCWD, place.c_str(), RENAME_NOREPLACE) == 0);
     return moved ? Status::success : status_of_errno(errno);
   }
 
@@ -310,9 +310,11 @@ Status File::create(std::string const &given) {
   Draft draft(path);
   if (draft.error() != 0) return draft.error() == EACCES ? Status::read_only : status_of_errno(draft.error());
   std::unique_ptr<sqlite3, Close> database;
-  Status const status = first_failure({[&] { return open_database(draft.path(), database); },
-                                       [&] { return configure(database.get()); },
-                                       [&] { return make_tables(database.get()); }});
+  Status const status = first_failure({
+      [&] { return open_database(draft.path(), database); },
+      [&] { return configure(database.get()); },
+      [&] { return make_tables(database.get()); },
+  });
   database.reset();
   if (status != Status::success) return status;
   Status const moved = draft.move_to(path);
@@ -325,16 +327,17 @@ Status File::open(std::string const &given, Access access, File &file) {
   std::string const path = plain_path(given);
   File opened;
   auto &database = opened.database_;
-  Status const status = first_failure(
-      {[&] { return check_kind(path); },
-       [&] { return open_database(path, database); },
-       [&] { return check_file_header(database.get()); },
-       [&] { return configure(database.get()); },
-       [&] { return check_schema(database.get()); },
-       [&] {
-         if (access == Access::read) return Status::success;
-         return sqlite3_db_readonly(database.get(), "main") != 0 ? Status::read_only : check_structure(database.get());
-       }});
+  Status const status = first_failure({
+      [&] { return check_kind(path); },
+      [&] { return open_database(path, database); },
+      [&] { return check_file_header(database.get()); },
+      [&] { return configure(database.get()); },
+      [&] { return check_schema(database.get()); },
+      [&] {
+        if (access == Access::read) return Status::success;
+        return sqlite3_db_readonly(database.get(), "main") != 0 ? Status::read_only : check_structure(database.get());
+      },
+  });
   if (status == Status::success) file = std::move(opened);
   return status;
 }

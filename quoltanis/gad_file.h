@@ -105,8 +105,8 @@ private:
 // One change, all or nothing: nothing of it is in the file before commit answers success, and all of it afterwards,
 // whatever happens to the program or its machine. Undone by its end.
 //
-// After present, text_unfit, empty_name, empty_number, no_entry and no_member the change goes on as if the call had not been made;
-// after any other failure every later call answers that failure, commit included.
+// After present, text_unfit, empty_name, empty_number, no_entry and no_member the change goes on as if the call had not
+// been made; after any other failure every later call answers that failure, commit included.
 class Change {
 public:
   Change();
@@ -137,7 +137,8 @@ private:
   std::unique_ptr<State> state_;
 };
 
-// Stores individuals, which is one change: all of them, or none and the first failure. Two that are the same are present.
+// Stores individuals, which is one change: all of them, or none and the first failure. Of two that are the same the
+// second is present.
 Status add(std::string const &path, std::span<Individual const> individuals);
 
 // A name as search compares it: every letter in one case. For text that is no UTF-8, its ASCII letters only.

@@ -10,7 +10,8 @@ namespace {
 
 Status find_base(Directory &directory, std::string &base) {
   constexpr auto usual = "defaultNamingContext", all = "namingContexts";
-  Directory::Query const query{.base = "", .whole_tree = false, .filter = "(objectClass=*)", .attributes = {usual, all}};
+  Directory::Query const query{
+      .base = "", .whole_tree = false, .filter = "(objectClass=*)", .attributes = {usual, all}};
   Status const status = directory.search(query, [&](DirectoryEntry const &root) {
     for (auto const *name : {usual, all}) {
       auto const found = root.attributes.find(name);

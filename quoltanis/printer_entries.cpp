@@ -15,9 +15,7 @@ constexpr std::size_t most_numbers = 100'000, most_groups = 10'000, most_bytes =
 
 char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; }
 
-bool same(std::string_view one, std::string_view other) {
-  return std::ranges::equal(one, other, {}, lower, lower);
-}
+bool same(std::string_view one, std::string_view other) { return std::ranges::equal(one, other, {}, lower, lower); }
 
 std::vector<std::string> const &values(DirectoryEntry const &entry, std::string const &attribute) {
   static std::vector<std::string> const none;
@@ -60,7 +58,8 @@ bool CaseFree::operator()(std::string_view one, std::string_view other) const {
 
 std::string normal_dn(std::string const &dn) {
   char *normal = nullptr;
-  bool const valid = ldap_dn_normalize(dn.c_str(), LDAP_DN_FORMAT_LDAPV3, &normal, LDAP_DN_FORMAT_LDAPV3) == LDAP_SUCCESS;
+  bool const valid =
+      ldap_dn_normalize(dn.c_str(), LDAP_DN_FORMAT_LDAPV3, &normal, LDAP_DN_FORMAT_LDAPV3) == LDAP_SUCCESS;
   std::string text = valid && normal != nullptr ? normal : dn;
   ldap_memfree(normal);
   std::ranges::transform(text, text.begin(), lower);
@@ -72,8 +71,8 @@ Status PrinterEntries::add(DirectoryEntry const &entry) {
   for (auto const &[name, all] : entry.attributes)
     for (auto const &value : all) bytes_ += value.size() + sizeof value;
   if (bytes_ > most_bytes) return Status::incomplete;
-  bool const group =
-      std::ranges::any_of(values(entry, "objectClass"), [&](auto const &one) { return same(one, settings_.group_class); });
+  bool const group = std::ranges::any_of(values(entry, "objectClass"),
+                                         [&](auto const &one) { return same(one, settings_.group_class); });
   return group ? add_group(entry) : add_person(entry);
 }
 
@@ -124,7 +123,8 @@ Status PrinterEntries::finish(AddressData &data) const {
   std::unordered_map<std::string_view, std::uint32_t> id_of;
   for (std::size_t i = 0; i < people_.size(); ++i) {
     auto const &person = people_[i];
-    Status const status = data.append(Source::printer, gad::IndividualView{.id = given[i], .name = person.name, .number = person.number});
+    Status const status =
+        data.append(Source::printer, gad::IndividualView{.id = given[i], .name = person.name, .number = person.number});
     if (status != Status::success) return status;
     if (person.first) id_of.emplace(person.dn, given[i]);
   }

@@ -1,5 +1,5 @@
-// From the entries of a directory to the contacts and groups of a printer. Plain functions of their arguments: what comes
-// in is what a server sent, and may be anything.
+// From the entries of a directory to the contacts and groups of a printer. Plain functions of their arguments: what
+// comes in is what a server sent, and may be anything.
 #pragma once
 
 #include "quoltanis/address_data.h"
@@ -25,9 +25,9 @@ struct DirectoryEntry {
 // A DN in the one form that every spelling of it has; as it came when it is none.
 std::string normal_dn(std::string const &dn);
 
-// Gathers entries. A person is an entry with a number; one of several numbers becomes as many contacts. A person without
-// a name is called by the number, and one whose number no record can carry is left out. A group is an entry of the
-// settings' group class; one without a name is left out.
+// Gathers entries. A person is an entry with a number; one of several numbers becomes as many contacts. A person
+// without a name is called by the number, and one whose number no record can carry is left out. A group is an entry of
+// the settings' group class; one without a name is left out.
 class PrinterEntries {
 public:
   explicit PrinterEntries(PrinterSettings const &settings) : settings_(settings) {}
@@ -35,8 +35,8 @@ public:
   // More than a printer can hold is incomplete: 100,000 numbers, 10,000 groups, or 64 MiB of text.
   Status add(DirectoryEntry const &entry);
 
-  // Fills data. Contacts keep the order in which they came. Their id is the first of the settings' id attributes that
-  // holds a number from 1 to 65535 which no contact before has; all others get the lowest that are free, and 0 when none
+  // Fills data. Contacts keep the order in which they came. Their id is the first number from 1 to 65535 in the
+  // settings' id attributes, unless a contact before has it; all others get the lowest that are free, and 0 when none
   // is. A group has the members that were found; of a person with several numbers, the first.
   Status finish(AddressData &data) const;
 

@@ -155,7 +155,8 @@ Status load_settings(PrinterSettings &settings) {
   for (auto const &place : settings_places()) {
     std::error_code error;
     if (!required && !std::filesystem::exists(place, error) && !error) continue;
-    bool const sound = std::filesystem::is_regular_file(place, error) && std::filesystem::file_size(place, error) <= longest;
+    bool const sound =
+        std::filesystem::is_regular_file(place, error) && std::filesystem::file_size(place, error) <= longest;
     std::ifstream file;
     if (sound && !error) file.open(place, std::ios::binary);
     std::string const text{std::istreambuf_iterator<char>(file), {}};

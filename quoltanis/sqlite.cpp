@@ -61,9 +61,10 @@ Statement::Statement(sqlite3 *database, char const *sql) {
 int Statement::step() { return failure_ != SQLITE_OK ? failure_ : sqlite3_step(statement_.get()); }
 
 std::string_view Statement::text(int column) {
+  int const size = sqlite3_column_bytes(statement_.get(), column);
+  if (size <= 0) return {};
   auto const *bytes = reinterpret_cast<char const *>(sqlite3_column_text(statement_.get(), column));
-  if (bytes == nullptr) return {};
-  return {bytes, static_cast<std::size_t>(sqlite3_column_bytes(statement_.get(), column))};
+  return bytes == nullptr ? std::string_view() : std::string_view(bytes, static_cast<std::size_t>(size));
 }
 
 void Statement::bind_at(int at, std::int64_t value) {

@@ -17,8 +17,8 @@ enum class Status : std::uint32_t {
   present = 0x20000010,  // the address (name and number), or the name of a group, is there already
 
   // Of the caller or of this process
-  argument = 0x20000101,   // a null handle or buffer, an argument that is no string, a path that is not absolute
-  memory = 0x20000102,     // no memory
+  argument = 0x20000101,    // a null handle or buffer, an argument that is no string, an empty path
+  memory = 0x20000102,      // no memory
   unexpected = 0x20000103,  // a fault of the library
 
   // Of a file
@@ -27,13 +27,13 @@ enum class Status : std::uint32_t {
   newer_file = 0x20000112,    // an address book of a version that this library does not know
   damaged = 0x20000113,       // an address book whose structure is broken
   no_permission = 0x20000114,
-  read_only = 0x20000115,     // may be read; it or its folder may not be changed
-  busy = 0x20000116,          // another program has held it for longer than the time-out
-  full = 0x20000117,          // no room on the disk, or the file may not grow
-  file_error = 0x20000118,    // the system could not read or write it
-  file_exists = 0x20000119,   // a new file would replace one
-  no_entry = 0x2000011A,      // no individual or group of that id
-  no_member = 0x2000011B,     // an individual with an id above 65535 cannot be in a group
+  read_only = 0x20000115,    // may be read; it or its folder may not be changed
+  busy = 0x20000116,         // another program has held it for longer than the time-out
+  full = 0x20000117,         // no room on the disk, or the file may not grow
+  file_error = 0x20000118,   // the system could not read or write it
+  file_exists = 0x20000119,  // a new file would replace one
+  no_entry = 0x2000011A,     // no individual or group of that id
+  no_member = 0x2000011B,    // an individual with an id above 65535 cannot be in a group
   empty_number = 0x2000011C,
 
   // Of the printer's book

@@ -156,8 +156,9 @@ TEST(AddressData, WritesNoByteMoreThanAGroupNeeds) {
   AddressData data;
   for (auto const source : {Source::file, Source::printer})
     for (std::size_t const members : {std::size_t{0}, std::size_t{3}, everyone.size()})
-      ASSERT_EQ(data.append(source, gad::GroupView{.id = 5, .name = "G", .members = std::span(everyone).first(members)}),
-                Status::success);
+      ASSERT_EQ(
+          data.append(source, gad::GroupView{.id = 5, .name = "G", .members = std::span(everyone).first(members)}),
+          Status::success);
   ASSERT_EQ(data.append(Source::file, gad::GroupView{.id = 5}), Status::text_unfit);
   auto const check = [&](auto head) {
     std::vector<std::uint16_t> const expected[] = {{}, {1, 2}, {}};

@@ -6,11 +6,13 @@
 #include <gmock/gmock.h>
 
 #include <dlfcn.h>
+#include <signal.h>
 #include <time.h>
 
 #include <cstring>
 #include <iostream>
 #include <memory>
+#include <random>
 
 namespace fax {
 namespace {
@@ -129,15 +131,57 @@ TEST_F(BoundaryTest, AddsAndReadsAFile) {
   q.ABIFData_Delete(read);
 }
 
+// Whatever moment a program is killed at, what it was told to be in the file is there, and the file is whole.
+TEST_F(BoundaryTest, KeepsWhatItAcknowledgedThroughKills) {
+  ASSERT_EQ(gad::File::create(path), Status::success);
+  std::mt19937 random(3);
+  int acknowledged = 0, torn = 0;
+  for (int round = 0; round < 50; ++round) {
+    int channel[2];
+    ASSERT_EQ(pipe(channel), 0);
+    pid_t const child = fork();
+    if (child == 0) {
+      for (int number = acknowledged;; ++number) {
+        MyFaxRecord record{};
+        std::ranges::copy(std::to_string(round * 1'000'000 + number), record.name);
+        record.number[0] = u'1';
+        ABIFDataRef const data = q.ABIFData_Create();
+        bool const added = q.ABIFData_Add_MyFax(data, 1, &record) == 0 &&
+                           q.AbifGADFile_Add(string(path).get(), data, 0) == 0 && write(channel[1], "+", 1) == 1;
+        q.ABIFData_Delete(data);
+        if (!added) _exit(1);
+      }
+    }
+    close(channel[1]);
+    usleep(2'000 + random() % 30'000);
+    kill(child, SIGKILL);
+    waitpid(child, nullptr, 0);
+    char byte;
+    while (read(channel[0], &byte, 1) == 1) ++acknowledged;
+    close(channel[0]);
+    if (std::filesystem::exists(path + "-journal")) ++torn;
+    gad::Book const book = gad::read_book(path);
+    ASSERT_EQ(book.status, Status::success);
+    int const there = static_cast<int>(book.people.size());
+    ASSERT_TRUE(there == acknowledged || there == acknowledged + 1) << there << " for " << acknowledged;
+    acknowledged = there;  // one may have been in the file before it could be told
+  }
+  gad::File whole;
+  EXPECT_EQ(gad::File::open(path, gad::Access::change, whole), Status::success) << "looks through the whole file";
+  std::cout << "50 kills, " << acknowledged << " individuals, " << torn << " changes undone\n";
+  EXPECT_GT(acknowledged, 0);
+}
+
 TEST_F(BoundaryTest, TakesNothingForAnything) {
   make(1);
   ABIFDataRef const data = q.ABIFData_Create();
-  String const file = string(path), half(CFStringCreateWithBytes(kCFAllocatorDefault, reinterpret_cast<UInt8 const *>("\x3D\xD8"), 2,
-                                                                kCFStringEncodingUTF16LE, false));
+  String const file = string(path),
+               half(CFStringCreateWithBytes(kCFAllocatorDefault, reinterpret_cast<UInt8 const *>("\x3D\xD8"), 2,
+                                            kCFStringEncodingUTF16LE, false));
   ASSERT_EQ(q.AbifGADFile_Read(file.get(), data, 0), 0u);
   std::vector<std::byte> buffer(2000, std::byte{7}), untouched = buffer;
-  for (auto const get : {q.ABIFData_GetAt_MyFax, q.ABIFData_GetAt_MyFaxGroup, q.ABIFData_GetAt_Contact,
-                         q.ABIFData_GetAt_FaxGroup}) {
+  for (auto const get :
+       {q.ABIFData_GetAt_MyFax, q.ABIFData_GetAt_MyFaxGroup, q.ABIFData_GetAt_Contact, q.ABIFData_GetAt_FaxGroup}) {
     EXPECT_NE(get(data, 1, buffer.data()), 0u);
     EXPECT_NE(get(data, 0xFFFFFFFF, buffer.data()), 0u);
     EXPECT_NE(get(nullptr, 0, buffer.data()), 0u);
@@ -231,7 +275,8 @@ TEST_F(BoundaryTest, ReadsNearlyAsFastAsTheFileCanBeRead) {
       return times[times.size() / 2];
     };
     double const bare = median(bare_times), own = median(own_times);
-    std::cout << size << " individuals: bare loop " << bare << " ms, library " << own << " ms, " << own / bare << " times\n";
+    std::cout << size << " individuals: bare loop " << bare << " ms, library " << own << " ms, " << own / bare
+              << " times\n";
     EXPECT_LT(own, bare * 2.5 * TIME_FACTOR);
   }
 }

@@ -63,8 +63,11 @@ TEST_F(ForeignFileTest, FilesThatAreNoAddressBook) {
       {"a view", [&] { made("DROP TABLE members; CREATE VIEW members AS SELECT 1 AS group_id, 2 AS individual_id"); },
        Status::foreign_file},
       {"a rule fewer",
-       [&] { made("PRAGMA writable_schema = 1; UPDATE sqlite_schema SET sql = replace(sql, 'UNIQUE (name, number)', "
-                  "'CHECK (1)') WHERE name = 'individuals'"); },
+       [&] {
+         made(
+             "PRAGMA writable_schema = 1; UPDATE sqlite_schema SET sql = replace(sql, 'UNIQUE (name, number)', "
+             "'CHECK (1)') WHERE name = 'individuals'");
+       },
        Status::damaged},
       {"a folder", [&] { std::filesystem::create_directory(other); }, Status::foreign_file},
       {"a pipe", [&] { ASSERT_EQ(mkfifo(other.c_str(), 0600), 0); }, Status::foreign_file},
@@ -89,7 +92,8 @@ TEST_F(ForeignFileTest, TruncatedAnywhere) {
   for (std::size_t size = 0; size < good.size(); size += 512) {
     put(path, good.substr(0, size));
     Status const status = read_book(path).status;
-    EXPECT_TRUE(status == Status::damaged || (size < 100 && status == Status::foreign_file)) << size << describe(status);
+    EXPECT_TRUE(status == Status::damaged || (size < 100 && status == Status::foreign_file))
+        << size << describe(status);
     Status const added = add_someone(path);
     EXPECT_EQ(added, status) << size;
     EXPECT_EQ(contents(path), good.substr(0, size)) << size;
@@ -110,7 +114,8 @@ TEST_F(ForeignFileTest, FlippedAnywhere) {
     ASSERT_EQ(contents(path), bad) << at;
     ++damaged;
     if (before.status != Status::success) ++told;
-    bool const whole = before.people.size() == 200 && before.groups.size() == 1 && before.groups[0].members.size() == 10;
+    bool const whole =
+        before.people.size() == 200 && before.groups.size() == 1 && before.groups[0].members.size() == 10;
     EXPECT_TRUE(whole || before.status != Status::success) << at;
     if (at % 256 != 0) continue;  // a change waits for the disk
     if (add_someone(path) == Status::success) {
@@ -125,8 +130,9 @@ TEST_F(ForeignFileTest, FlippedAnywhere) {
 
 TEST_F(ForeignFileTest, RowsThatNoRuleAllows) {
   make(3);
-  sql(path, "PRAGMA ignore_check_constraints = 1;"
-            "INSERT INTO individuals (id, name, number) VALUES (-4, 'Below', '1')");
+  sql(path,
+      "PRAGMA ignore_check_constraints = 1;"
+      "INSERT INTO individuals (id, name, number) VALUES (-4, 'Below', '1')");
   EXPECT_EQ(read_book(path).status, Status::damaged);
   sql(path, "DELETE FROM individuals WHERE id < 0; INSERT INTO members VALUES (1, 4000)");
   EXPECT_EQ(read_book(path).status, Status::success) << "a member who is gone";
@@ -176,7 +182,8 @@ TEST_F(ForeignFileTest, PlacesThatRefuse) {
     std::string const disk = folder + "/disk";
     std::filesystem::create_directory(disk);
     auto const small_disk = [&] {  // that only this child sees
-      bool const mounted = unshare(CLONE_NEWNS) == 0 && mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+      bool const mounted = unshare(CLONE_NEWNS) == 0 &&
+                           mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
                            mount("none", disk.c_str(), "tmpfs", 0, "size=96k") == 0;
       if (!mounted) _exit(1);
       path = disk + "/own.gad";
@@ -200,16 +207,18 @@ TEST_F(ForeignFileTest, PlacesThatRefuse) {
 // A program killed in the middle of a change leaves its journal: the next reader puts the book back.
 TEST_F(ForeignFileTest, AKilledChangeIsUndone) {
   make(50);
-  status_in_child([] {}, [&] {
-    File file;
-    Change change;
-    sqlite3_soft_heap_limit64(1);  // what is written goes to the file at once
-    if (File::open(path, Access::change, file) != Status::success || file.begin(change) != Status::success)
-      return Status::unexpected;
-    for (int i = 0; i < 5000; ++i) change.add({.name = "N" + std::to_string(i), .number = "1"});
-    raise(SIGKILL);
-    return Status::unexpected;
-  });
+  status_in_child(
+      [] {},
+      [&] {
+        File file;
+        Change change;
+        sqlite3_soft_heap_limit64(1);  // what is written goes to the file at once
+        if (File::open(path, Access::change, file) != Status::success || file.begin(change) != Status::success)
+          return Status::unexpected;
+        for (int i = 0; i < 5000; ++i) change.add({.name = "N" + std::to_string(i), .number = "1"});
+        raise(SIGKILL);
+        return Status::unexpected;
+      });
   ASSERT_TRUE(std::filesystem::exists(path + "-journal"));
   Book const book = read_book(path);
   EXPECT_EQ(book.status, Status::success);

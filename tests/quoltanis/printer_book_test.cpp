@@ -226,8 +226,8 @@ TEST_F(PrinterBookTest, ServersThatMisbehave) {
       line.idle();
     };
   };
-  std::string const page_again =
-      ber(0xA0, ber(0x30, ber(0x04, "1.2.840.113556.1.4.319") + ber(0x04, ber(0x30, ber(0x02, "\1") + ber(0x04, "x")))));
+  std::string const page_again = ber(
+      0xA0, ber(0x30, ber(0x04, "1.2.840.113556.1.4.319") + ber(0x04, ber(0x30, ber(0x02, "\1") + ber(0x04, "x")))));
   auto const paged = [page_again](int id) {
     char const code = 0;
     return message(id, ber(0x65, ber(0x0A, {&code, 1}) + ber(0x04, "") + ber(0x04, "")) + page_again);
@@ -236,20 +236,22 @@ TEST_F(PrinterBookTest, ServersThatMisbehave) {
       {"never answers", [](Line const &line) { line.idle(); }, time_out, 2500},
       {"ends at once", [](Line const &) {}, unreachable, 500},
       {"ends after the bind", [](Line const &line) { let_in(line); }, unreachable, 500},
-      {"is silent after the bind", [](Line const &line) { let_in(line); line.idle(); }, time_out, 2500},
+      {"is silent after the bind",
+       [](Line const &line) {
+         let_in(line);
+         line.idle();
+       },
+       time_out, 2500},
       {"ends between two entries", [](Line const &line) { line.send(entry(let_in(line), "cn=a", ann)); }, unreachable,
        500},
-      {"ends in mid-entry",
-       [](Line const &line) { line.send(entry(let_in(line), "cn=a", ann).substr(0, 20)); },
-       unreachable,
-       500},
+      {"ends in mid-entry", [](Line const &line) { line.send(entry(let_in(line), "cn=a", ann).substr(0, 20)); },
+       unreachable, 500},
       {"stops in mid-entry",
        [](Line const &line) {
          line.send(entry(let_in(line), "cn=a", ann).substr(0, 20));
          line.idle();
        },
-       time_out,
-       2500},
+       time_out, 2500},
       {"sends a byte now and then",
        [](Line const &line) {
          for (char const byte : entry(let_in(line), "cn=a", ann)) {
@@ -259,9 +261,12 @@ TEST_F(PrinterBookTest, ServersThatMisbehave) {
          }
          line.idle();
        },
-       time_out,
-       3500},
-      {"says no LDAP", [](Line const &line) { line.send("HTTP/1.0 400 Bad Request\r\n\r\n"); line.idle(); },
+       time_out, 3500},
+      {"says no LDAP",
+       [](Line const &line) {
+         line.send("HTTP/1.0 400 Bad Request\r\n\r\n");
+         line.idle();
+       },
        time_out, 2500},
       {"claims a message of 2 GB",
        [](Line const &line) {
@@ -273,7 +278,10 @@ TEST_F(PrinterBookTest, ServersThatMisbehave) {
       {"sends broken entries",
        [](Line const &line) {
          int const id = let_in(line);
-         line.send(message(id, ber(0x64, "\x04\x7F" "abc")) + message(id, ber(0x64, "")) + result(id, 0x65, 0));
+         line.send(message(id, ber(0x64,
+                                   "\x04\x7F"
+                                   "abc")) +
+                   message(id, ber(0x64, "")) + result(id, 0x65, 0));
          line.idle();
        },
        bad_answer, 2500},
@@ -291,14 +299,22 @@ TEST_F(PrinterBookTest, ServersThatMisbehave) {
            if (!line.send(paged(id))) return;
        },
        time_out, 7500},
-      {"refuses the search", [](Line const &line) { line.send(result(let_in(line), 0x65, 50)); line.idle(); },
+      {"refuses the search",
+       [](Line const &line) {
+         line.send(result(let_in(line), 0x65, 50));
+         line.idle();
+       },
        refused, 500},
-      {"is busy with itself", [](Line const &line) { line.send(result(let_in(line), 0x65, 11)); line.idle(); },
+      {"is busy with itself",
+       [](Line const &line) {
+         line.send(result(let_in(line), 0x65, 11));
+         line.idle();
+       },
        incomplete, 500},
       {"refuses StartTLS", start_tls_then(result(1, 0x78, 2)), tls, 500, "tls = starttls\n"},
       {"is silent after StartTLS", start_tls_then(""), time_out, 2500, "tls = starttls\n"},
-      {"speaks plain where TLS is due", start_tls_then(result(1, 0x78, 0) + std::string(200, 'x')), tls,
-       2500, "tls = starttls\n"},
+      {"speaks plain where TLS is due", start_tls_then(result(1, 0x78, 0) + std::string(200, 'x')), tls, 2500,
+       "tls = starttls\n"},
       {"is silent where TLS is due", [](Line const &line) { line.idle(); }, time_out, 2500, "tls = ldaps\n"},
   };
   for (auto const &row : cases) {
@@ -352,7 +368,8 @@ TEST_F(PrinterBookTest, LinkLocalAddressesWithTheirScope) {
     sockaddr_in6 address{};
     address.sin6_family = AF_INET6;
     address.sin6_port = htons(389);
-    if (bind(listener, reinterpret_cast<sockaddr *>(&address), sizeof address) != 0 || listen(listener, 64) != 0) _exit(1);
+    if (bind(listener, reinterpret_cast<sockaddr *>(&address), sizeof address) != 0 || listen(listener, 64) != 0)
+      _exit(1);
     PrinterSettings settings;
     settings.tls = PrinterSettings::Tls::none;
     for (int tries = 0; tries < 50; ++tries) {  // the address is not there at once

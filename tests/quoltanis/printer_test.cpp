@@ -98,8 +98,8 @@ TEST(PrinterEntries, MakeContactsAndGroups) {
     ASSERT_EQ(entries.add(entry), Status::success) << entry.dn;
   AddressData data;
   ASSERT_EQ(entries.finish(data), Status::success);
-  EXPECT_THAT(contacts(data), ElementsAre(Contact{3, u"Ann", u"1"}, Contact{1, u"Ann", u"2"}, Contact{2, u"Bosse", u"4"},
-                                          Contact{65535, u"5", u"5"}));
+  EXPECT_THAT(contacts(data), ElementsAre(Contact{3, u"Ann", u"1"}, Contact{1, u"Ann", u"2"},
+                                          Contact{2, u"Bosse", u"4"}, Contact{65535, u"5", u"5"}));
   ASSERT_EQ(data.groups(Source::printer), 1u);
   struct {
     FaxGroupHead head;
