@@ -215,7 +215,7 @@ TEST_F(PrinterBookTest, ServersThatMisbehave) {
     char const *what;
     std::function<void(Line const &)> script;
     Status read;
-    int longest_ms;
+    int longest_ms;  // on an idle machine
     char const *configuration = "";
   };
   using enum Status;
@@ -325,7 +325,7 @@ TEST_F(PrinterBookTest, ServersThatMisbehave) {
     Status const status = book.read("1234", data);
     auto const time = std::chrono::ceil<std::chrono::milliseconds>(Clock::now() - start);
     EXPECT_EQ(status, row.read) << row.what;
-    EXPECT_LT(time.count(), row.longest_ms * TIME_FACTOR) << row.what;
+    EXPECT_LT(time.count(), row.longest_ms * 3 * TIME_FACTOR) << row.what;
     EXPECT_EQ(data.individuals(Source::printer), 0u) << row.what;
   }
 }
