@@ -1,0 +1,226 @@
+#include "addressbook/address_book.h"
+
+#include <algorithm>
+#include <cstring>
+#include <numeric>
+#include <stdexcept>
+
+namespace fax {
+
+namespace {
+
+constexpr std::size_t kMaximum = std::numeric_limits<std::uint32_t>::max();
+
+// One entry's key while sorting: its folded name and number with a NUL between them, and the first eight bytes of that
+// as a number, which decide most comparisons.
+struct SortKey {
+  std::uint64_t head;
+  std::uint32_t begin, length, name_length, record;
+};
+
+std::uint64_t head_of(char const *key, std::size_t length) {
+  unsigned char bytes[8] = {};
+  std::memcpy(bytes, key, std::min<std::size_t>(length, 8));
+  std::uint64_t head = 0;
+  for (unsigned char const byte : bytes) head = head << 8 | byte;
+  return head;
+}
+
+std::u16string_view until_zero(std::u16string_view text) {
+  return text.substr(0, text.find(u'\0'));
+}
+
+}  // namespace
+
+std::u16string_view field_text(char16_t const *field, std::size_t limit) {
+  return until_zero({field, limit});
+}
+
+void AddressBook::reserve(std::size_t entries) {
+  constexpr std::size_t kUsualUnits = 48;
+  records_.reserve(entries);
+  order_.reserve(entries);
+  ids_.reserve(entries);
+  text_.reserve(entries * kUsualUnits);
+}
+
+void AddressBook::add(Record record, std::u16string_view name, std::u16string_view number, std::u16string_view company,
+                      std::u16string_view note) {
+  std::u16string_view const texts[] = {until_zero(name), until_zero(number), until_zero(company), until_zero(note)};
+  std::uint16_t *const lengths[] = {&record.name, &record.number, &record.company, &record.note};
+  std::size_t total = 0;
+  for (std::size_t at = 0; at < 4; ++at) {
+    if (texts[at].size() > std::numeric_limits<std::uint16_t>::max()) throw std::length_error("address text");
+    *lengths[at] = static_cast<std::uint16_t>(texts[at].size());
+    total += texts[at].size();
+  }
+  if (text_.size() + total > kMaximum || records_.size() >= kMaximum) throw std::length_error("address book");
+  record.text = static_cast<std::uint32_t>(text_.size());
+  std::size_t const rows = records_.size();
+  try {
+    for (std::u16string_view const text : texts) text_.insert(text_.end(), text.begin(), text.end());
+    records_.push_back(record);
+    order_.push_back(static_cast<RowNumber>(rows));
+    ids_.push_back(record.group || texts[1] == kGroupNumber ? kNoId : record.id);
+  } catch (...) {
+    text_.resize(record.text);
+    records_.resize(rows);
+    order_.resize(rows);
+    throw;
+  }
+}
+
+void AddressBook::add_individual(std::uint16_t id, std::u16string_view name, std::u16string_view number,
+                                 std::u16string_view company, std::u16string_view note) {
+  Record record;
+  record.id = id;
+  record.details = true;
+  add(record, name, number, company, note);
+}
+
+void AddressBook::add_individual(std::uint16_t id, std::u16string_view name, std::u16string_view number) {
+  Record record;
+  record.id = id;
+  add(record, name, number, {}, {});
+}
+
+void AddressBook::add_group(std::u16string_view name, std::span<std::uint16_t const> members) {
+  std::size_t const begin = member_ids_.size();
+  if (begin + members.size() > kMaximum) throw std::length_error("group members");
+  groups_.push_back({static_cast<std::uint32_t>(records_.size()), static_cast<std::uint32_t>(begin),
+                     static_cast<std::uint32_t>(members.size())});
+  try {
+    member_ids_.insert(member_ids_.end(), members.begin(), members.end());
+    Record record;
+    record.group = true;
+    add(record, name, kGroupNumber, {}, {});
+  } catch (...) {
+    groups_.pop_back();
+    member_ids_.resize(begin);
+    throw;
+  }
+}
+
+AddressEntry AddressBook::entry(RowNumber row) const {
+  std::uint32_t const number = order_[row];
+  Record const &record = records_[number];
+  char16_t const *text = text_.data() + record.text;
+  auto const next = [&text](std::uint16_t length) {
+    std::u16string_view const field(text, length);
+    text += length;
+    return field;
+  };
+  AddressEntry entry;
+  entry.group_record = record.group;
+  entry.has_details = record.details;
+  entry.id = record.id;
+  entry.name = next(record.name);
+  entry.number = next(record.number);
+  entry.company = next(record.company);
+  entry.note = next(record.note);
+  if (!record.group) return entry;
+  auto const found = std::lower_bound(groups_.begin(), groups_.end(), number,
+                                      [](Members const &group, std::uint32_t wanted) { return group.record < wanted; });
+  entry.members = {member_ids_.data() + found->begin, found->count};
+  return entry;
+}
+
+void AddressBook::sort(CaseFold &fold) {
+  std::string text;
+  text.reserve(records_.size() * 40);
+  std::vector<SortKey> keys(records_.size());
+  for (std::size_t row = 0; row < keys.size(); ++row) {
+    // In the order that is there: equal entries stay in it.
+    AddressEntry const one = entry(static_cast<RowNumber>(row));
+    SortKey &key = keys[row];
+    if (text.size() > kMaximum / 2) throw std::length_error("address book");
+    key.record = order_[row];
+    key.begin = static_cast<std::uint32_t>(text.size());
+    fold.append(text, one.name);
+    key.name_length = static_cast<std::uint32_t>(text.size() - key.begin);
+    text += '\0';
+    fold.append(text, one.number);
+    key.length = static_cast<std::uint32_t>(text.size() - key.begin);
+    key.head = head_of(text.data() + key.begin, key.length);
+  }
+  char const *const base = text.data();
+  std::stable_sort(keys.begin(), keys.end(), [base](SortKey const &left, SortKey const &right) {
+    if (left.head != right.head) return left.head > right.head;
+    int const order = std::memcmp(base + left.begin, base + right.begin, std::min(left.length, right.length));
+    return order != 0 ? order > 0 : left.length > right.length;
+  });
+
+  std::string names;
+  names.reserve(text.size());
+  std::vector<std::uint32_t> starts;
+  starts.reserve(keys.size() + 1);
+  std::vector<std::int32_t> ids(keys.size());
+  for (std::size_t row = 0; row < keys.size(); ++row) {
+    starts.push_back(static_cast<std::uint32_t>(names.size()));
+    names.append(base + keys[row].begin, keys[row].name_length + 1);
+    order_[row] = keys[row].record;
+    AddressEntry const one = entry(static_cast<RowNumber>(row));
+    ids[row] = one.group_record || one.is_group() ? kNoId : one.id;
+  }
+  starts.push_back(static_cast<std::uint32_t>(names.size()));
+  names.shrink_to_fit();
+  names_ = std::move(names);
+  starts_ = std::move(starts);
+  ids_ = std::move(ids);
+}
+
+std::vector<RowNumber> AddressBook::rows_named(std::u16string_view text, CaseFold &fold) const {
+  std::vector<RowNumber> rows;
+  std::string const wanted = fold(until_zero(text));
+  if (wanted.empty()) {
+    rows.resize(size());
+    std::iota(rows.begin(), rows.end(), RowNumber{0});
+    return rows;
+  }
+  char const *const begin = names_.data();
+  char const *const end = begin + names_.size();
+  RowNumber row = 0;
+  for (char const *at = begin;;) {
+    at = static_cast<char const *>(
+        memmem(at, static_cast<std::size_t>(end - at), wanted.data(), wanted.size()));
+    if (at == nullptr) return rows;
+    char const *const after = at + wanted.size();
+    // Behind every name stands a NUL, so there is a byte to look at.
+    if (CaseFold::continues_letter(*after)) {
+      ++at;
+      continue;
+    }
+    while (starts_[row + 1] <= static_cast<std::size_t>(at - begin)) ++row;
+    rows.push_back(row++);
+    at = begin + starts_[row];
+  }
+}
+
+template <typename RowAt>
+GroupMembers AddressBook::members_of(std::span<std::uint16_t const> ids, std::size_t count, RowAt row_at) const {
+  std::vector<std::uint32_t> pending(std::numeric_limits<std::uint16_t>::max() + 1u);
+  for (std::uint16_t const id : ids) ++pending[id];
+  GroupMembers found;
+  found.rows.reserve(std::min(ids.size(), count));
+  std::size_t left = ids.size();
+  for (std::size_t at = 0; at < count && left > 0; ++at) {
+    RowNumber const row = row_at(at);
+    std::int32_t const id = ids_[row];
+    if (id == kNoId || pending[static_cast<std::size_t>(id)] == 0) continue;
+    --pending[static_cast<std::size_t>(id)];
+    --left;
+    found.rows.push_back(row);
+  }
+  found.complete = left == 0;
+  return found;
+}
+
+GroupMembers AddressBook::members(std::span<std::uint16_t const> ids, std::span<RowNumber const> shown) const {
+  return members_of(ids, shown.size(), [shown](std::size_t at) { return shown[at]; });
+}
+
+GroupMembers AddressBook::members(std::span<std::uint16_t const> ids) const {
+  return members_of(ids, size(), [](std::size_t at) { return static_cast<RowNumber>(at); });
+}
+
+}  // namespace fax
