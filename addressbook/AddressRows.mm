@@ -17,32 +17,13 @@ namespace {
 
 using fax::RowNumber;
 
-fax::FoldedUnit fold_unit(char16_t unit) {
-  fax::FoldedUnit folded;
-  bool const half_pair = unit >= 0xD800 && unit < 0xE000;
-  bool const plain = half_pair || (unit >= 0x4E00 && unit < 0xA000);
-  if (plain) {
-    folded.units[folded.count++] = unit;
-    return folded;
-  }
-  unichar const character = unit;
-  NSString *text = [[NSString alloc] initWithCharacters:&character length:1];
-  NSString *parts = [text decomposedStringWithCanonicalMapping];
-  for (NSUInteger at = 0; at < [parts length] && folded.count < folded.units.size(); ++at) {
-    NSString *part = [[parts substringWithRange:NSMakeRange(at, 1)] lowercaseString];
-    if ([part length] > 0) folded.units[folded.count++] = [part characterAtIndex:0];
-  }
-  [text release];
-  return folded;
+// Halves of surrogate pairs and the ideographs, which have neither case nor parts.
+bool is_plain(char16_t unit) {
+  return (unit >= 0xD800 && unit < 0xE000) || (unit >= 0x4E00 && unit < 0xA000);
 }
 
-bool continues_letter(char16_t unit) {
-  return (unit >= 0xDC00 && unit < 0xE000) || [[NSCharacterSet nonBaseCharacterSet] characterIsMember:unit];
-}
-
-fax::CaseFold &toolkit_fold() {
-  static fax::CaseFold fold(fold_unit, continues_letter);
-  return fold;
+NSString *string_of(std::u16string_view text) {
+  return [NSString stringWithCharacters:reinterpret_cast<unichar const *>(text.data()) length:text.size()];
 }
 
 std::u16string units_of(NSString *text) {
@@ -53,8 +34,39 @@ std::u16string units_of(NSString *text) {
   return units;
 }
 
-NSString *string_of(std::u16string_view text) {
-  return [NSString stringWithCharacters:reinterpret_cast<unichar const *>(text.data()) length:text.size()];
+// The parts into which the toolkit takes a letter apart when it compares: Unicode's; or with another accent, where its
+// tables are older; or the letter itself, where they do not know it.
+std::u16string parts_of(char16_t unit) {
+  NSString *letter = string_of({&unit, 1});
+  std::u16string parts = units_of([letter decomposedStringWithCanonicalMapping]);
+  auto const equal = [&] { return [letter compare:string_of(parts)] == NSOrderedSame; };
+  if (parts.size() == 1 || equal()) return parts;
+  if (parts.back() >= 0x0300 && parts.back() < 0x0370) {
+    for (parts.back() = 0x0300; parts.back() < 0x0370; ++parts.back()) {
+      if (equal()) return parts;
+    }
+  }
+  return std::u16string(1, unit);
+}
+
+fax::FoldedUnit fold_unit(char16_t unit) {
+  fax::FoldedUnit folded;
+  NSAutoreleasePool *pool = [NSAutoreleasePool new];
+  for (char16_t const part : is_plain(unit) ? std::u16string(1, unit) : parts_of(unit)) {
+    std::u16string const small = units_of([string_of({&part, 1}) lowercaseString]);
+    if (folded.count < folded.units.size()) folded.units[folded.count++] = small.size() == 1 ? small[0] : part;
+  }
+  [pool release];
+  return folded;
+}
+
+bool continues_letter(char16_t unit) {
+  return (unit >= 0xDC00 && unit < 0xE000) || [[NSCharacterSet nonBaseCharacterSet] characterIsMember:unit];
+}
+
+fax::CaseFold &toolkit_fold() {
+  static fax::CaseFold fold(fold_unit, continues_letter);
+  return fold;
 }
 
 NSArray *numbers_of(std::span<std::uint16_t const> ids) {
@@ -210,9 +222,7 @@ AddressRows *new_rows(std::shared_ptr<SharedBook> shared, std::optional<std::vec
   return made([&book] {
     auto shared = std::make_shared<SharedBook>();
     shared->book = std::move(book);
-    NSAutoreleasePool *pool = [NSAutoreleasePool new];
     shared->book.sort(toolkit_fold());
-    [pool release];
     return new_rows(std::move(shared), std::nullopt);
   });
 }

@@ -1,0 +1,1 @@
+#import "addressbook/AddressListController.h"
