@@ -1,5 +1,7 @@
 // The fax dialog: the destination list, the password, the time, and the decision to send.
 //
+// Saves destinations into address-book files and opens the address-book dialog, which edits the same list.
+//
 // Owned by the nib "FaxSetting" and reused for every job of a panel. Its keys (addressName, addressPhoneNumber,
 // password, delayedPrint, delayedTime and the enabling states) are read and written by the nib's bindings.
 #pragma once
@@ -10,13 +12,14 @@
 
 #import "support/ClassNames.h"
 
+@class AddressBookController;
 @class InputStringChecker;
 
 @interface FaxSettingController : NSObject {
   IBOutlet NSWindow *faxSettingPanel;
   IBOutlet NSArrayController *addressArrayController;
-  IBOutlet NSArrayController *addressFileList;
-  IBOutlet id addressBookController;
+  IBOutlet NSArrayController *addressFileList;  // dictionaries with "name" and "path"
+  IBOutlet AddressBookController *addressBookController;
   IBOutlet NSTextField *addressNameTextField;
   IBOutlet NSTextField *addressPhoneNumberTextField;
   IBOutlet NSTextField *passwordTextField;
@@ -66,6 +69,15 @@
 - (IBAction)addAddressInfo:(id)sender;
 - (IBAction)editAddressInfo:(id)sender;
 - (IBAction)deleteAddressInfo:(id)sender;
+// Makes the file of the pop-up's selected item the one that is read and written.
+- (IBAction)selectAddressBook:(id)sender;
+// Saves every selected destination into the selected file, or none of them, and says which.
+- (IBAction)addToAddressBook:(id)sender;
+// What the file sorts a name by (address_record.h); nil when there is none.
+- (NSString *)getIndexKey:(NSString *)name;
+// Open the address-book dialog on an address-book file, on the printer's own book.
+- (IBAction)lookupAddressBook:(id)sender;
+- (IBAction)lookupDeviceData:(id)sender;
 - (IBAction)startSending:(id)sender;
 - (IBAction)stopSending:(id)sender;
 - (IBAction)showHelpBook:(id)sender;

@@ -1,12 +1,16 @@
 #import "faxsetting/FaxSettingController.h"
 
+#import "addressbook/AddressBookController.h"
 #import "addressbook/AddressInformation.h"
-#include "faxsetting/destination_rules.h"
+#include "addressbook/destination_rules.h"
+#include "addressbook/library.h"
+#import "faxsetting/address_files.h"
 #import "faxsetting/FaxSettingView.h"
 #include "faxsetting/job_settings.h"
 #include "support/help.h"
 #import "support/InputStringChecker.h"
 #include "support/string_encoding.h"
+#import "support/UtilityService.h"
 #import "view/alert.h"
 
 namespace {
@@ -157,6 +161,30 @@ bool same_text(NSString *one, NSString *other) { return one == other || [one isE
   return isAddressFileAvailable && [self selectionCount] != 0;
 }
 
+- (void)addFiles:(NSArray *)files {
+  if ([files count] == 0) return;
+  [addressFileList addObjects:files];
+  [addressFileList setSelectionIndex:0];
+}
+
+// The files of the library's folder; a sandboxed process cannot read them there and lets the user choose later. Where the
+// library knows no folder or no files, what was known of them stays.
+- (void)listAddressFiles {
+  [addressFileList setContent:[NSMutableArray array]];
+  fax::Library &library = fax::Library::shared();
+  NSString *directory = (NSString *)library.file_directory();
+  if (directory == nil) return;
+  NSString *names = (NSString *)library.file_list();
+  if ([UtilityService isSandboxed]) {
+    [self setValue:[NSNumber numberWithBool:YES] forKey:@"isAddressFileAvailable"];
+    return;
+  }
+  if (names == nil) return;
+  NSArray *files = fax::address_files(directory, names);
+  [self addFiles:files];
+  [self setValue:[NSNumber numberWithBool:[files count] > 0] forKey:@"isAddressFileAvailable"];
+}
+
 - (void)createDialog {
   if (faxSettingPanel == nil) return;
   FaxSettingView *view = (FaxSettingView *)[faxSettingPanel contentView];
@@ -173,8 +201,76 @@ bool same_text(NSString *one, NSString *other) { return one == other || [one isE
   [self setValue:@"" forKey:@"password"];
   [self setValue:[NSNumber numberWithInt:0] forKey:@"delayedPrint"];
   [self setValue:[NSDate date] forKey:@"delayedTime"];
+  [self listAddressFiles];
 
   [NSApp runModalForWindow:faxSettingPanel];
+}
+
+- (IBAction)selectAddressBook:(id)sender {
+  NSInteger const index = [sender indexOfSelectedItem];
+  if (index >= 0) [addressFileList setSelectionIndex:index];
+}
+
+- (NSString *)getIndexKey:(NSString *)name {
+  std::size_t const length = fax::index_key_length(name);
+  return length > 0 ? [name substringToIndex:length] : nil;
+}
+
+- (void)reportAdding:(fax::Status)status {
+  switch (status) {
+    case fax::kSuccess:
+      fax::run_alert(bundle, @"Added to Address Book.", nil, {@"OK"});
+      break;
+    case fax::kAlreadyPresent:
+      fax::run_alert(bundle, @"Address already exists.", nil, {@"OK"});
+      break;
+    case fax::kNoName:
+      fax::run_alert(bundle, @"No name specified.", nil, {@"OK"});
+      break;
+    default:
+      fax::run_alert(bundle, @"Cannot add to the file.", nil, {@"OK"});
+      break;
+  }
+}
+
+- (IBAction)addToAddressBook:(id)sender {
+  (void)sender;
+  NSArray *files = [addressFileList selectedObjects];
+  NSString *path = [files count] > 0 ? [[files objectAtIndex:0] valueForKey:@"path"] : nil;
+  [self reportAdding:path != nil
+                         ? fax::add_to_address_file(path, [addressArrayController selectedObjects])
+                         : fax::kUnavailable];
+}
+
+- (void)openAddressBookOnTab:(int)index {
+  [addressBookController setBundle:bundle];
+  [addressBookController setPPD:ppd];
+  [addressBookController setIPAddress:printerAddress];
+  [addressBookController setPassword:password];
+  [addressBookController createDialogWithTabSelection:index];
+}
+
+// NO when the user was asked and chose no file.
+- (BOOL)chooseAddressFiles {
+  NSString *folder = fax::folder_outside_container((NSString *)fax::Library::shared().file_directory());
+  if (folder == nil) return YES;
+  NSArray *files = fax::choose_address_files(folder);
+  if ([files count] == 0) return NO;
+  [self addFiles:files];
+  return YES;
+}
+
+- (IBAction)lookupAddressBook:(id)sender {
+  (void)sender;
+  if (addressBookController == nil) return;
+  bool const must_choose = [UtilityService isSandboxed] && [[addressFileList arrangedObjects] count] == 0;
+  if (must_choose && ![self chooseAddressFiles]) return;
+  [self openAddressBookOnTab:0];
+}
+
+- (IBAction)lookupDeviceData:(id)sender {
+  (void)sender;
+  [self openAddressBookOnTab:1];
 }
 
 - (BOOL)holdsDestinationNamed:(NSString *)name phoneNumber:(NSString *)number {

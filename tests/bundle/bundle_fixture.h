@@ -69,6 +69,8 @@
 
 namespace test {
 
+// Where the bundle is taken from; another place can be set before it is first used.
+std::string &bundle_path();
 // The bundle, loaded; a class by its short name.
 NSBundle *bundle();
 Class class_named(char const *short_name);

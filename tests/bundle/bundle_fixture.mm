@@ -167,10 +167,15 @@ char const kPpdOptions[] = R"(*OpenUI *QXFaxImageQuality/Image Quality: PickOne
 
 namespace test {
 
+std::string &bundle_path() {
+  static std::string path = BUNDLE_PATH;
+  return path;
+}
+
 NSBundle *bundle() {
   static NSBundle *the_bundle = nil;
   if (the_bundle == nil) {
-    the_bundle = [[NSBundle bundleWithPath:@BUNDLE_PATH] retain];
+    the_bundle = [[NSBundle bundleWithPath:ns(bundle_path())] retain];
     if (![the_bundle load]) std::abort();
   }
   return the_bundle;

@@ -24,7 +24,7 @@ NSDictionary *table(NSString *name) {
 std::set<std::string> texts_of(std::string const &xib) {
   std::set<std::string> texts;
   std::string const source = contents(xib);
-  std::regex const title("title=\"([^\"]*)\"");
+  std::regex const title(" (?:title|label)=\"([^\"]*)\"");
   for (std::sregex_iterator it(source.begin(), source.end(), title), end; it != end; ++it)
     if ((*it)[1] != "Text Cell" && (*it)[1] != "") texts.insert((*it)[1]);
   return texts;
@@ -51,7 +51,7 @@ TEST(Resources, EveryVisibleTextHasAKeyAndEveryKeyIsUsed) {
   std::set<std::string> used{"Custom PDE Title"};
   for (auto const &texts :
        {texts_of(source + "/resources/MainPanel.xib"), texts_of(source + "/resources/FaxSetting.xib"),
-        alerts_of(source + "/faxsetting"), alerts_of(source + "/plugin")})
+        alerts_of(source + "/addressbook"), alerts_of(source + "/faxsetting"), alerts_of(source + "/plugin")})
     used.insert(texts.begin(), texts.end());
   std::set<std::string> keys;
   NSEnumerator *names = [table(@"Localizable") keyEnumerator];
@@ -81,10 +81,17 @@ TEST_F(NibTest, EveryOutletConnects) {
        "coverPagePopup senderModeTitle senderModePopup senderNameTitle senderNameTextEdit addressBookButton "
        "defaultsButton"},
       {controller,
-       "faxSettingPanel addressArrayController addressFileList addressNameTextField addressPhoneNumberTextField "
-       "passwordTextField"},
+       "faxSettingPanel addressArrayController addressFileList addressBookController addressNameTextField "
+       "addressPhoneNumberTextField passwordTextField"},
+      {[controller valueForKey:@"addressBookController"],
+       "addressBookSettingPanel addressArrayController addressFileList pcAddressList pcAddressTableView "
+       "deviceAddressList deviceAddressTableView userPropertyPanel groupPropertyPanel userPropertyDictionary "
+       "groupPropertyDictionary groupMemberList"},
+      {[[[controller valueForKey:@"addressBookController"] valueForKey:@"addressBookSettingPanel"] contentView],
+       "addressSourceTabView"},
       {dialog,
        "destNameLabel destPhoneNumberLabel recipientListLabel addAddressButton editAddressButton deleteAddressButton "
+       "addToAddressBookButton addressBookFileLabel lookUpAddressBookButton lookUpDeviceDataButton "
        "authorizationGroupBox passwordLabel delayedSendGroupBox delayedSendCheckbox delayedTimeLabel startButton "
        "stopButton"},
   };
@@ -118,10 +125,10 @@ TEST_F(NibTest, TheKeyboardWalksTheDialogInReadingOrder) {
   EXPECT_EQ([window initialFirstResponder], [controller valueForKey:@"addressNameTextField"]);
   NSView *view = [controller valueForKey:@"addressNameTextField"];
   std::string classes;
-  for (int i = 0; i < 12 && view != nil; i++, view = [view nextKeyView]) classes += utf8([view className]) + " ";
+  for (int i = 0; i < 16 && view != nil; i++, view = [view nextKeyView]) classes += utf8([view className]) + " ";
   EXPECT_EQ(classes,
-            "NSTextField NSTextField NSButton NSTableView NSButton NSButton NSSecureTextField NSButton NSTextField "
-            "NSButton NSButton NSButton ");
+            "NSTextField NSTextField NSButton NSTableView NSButton NSButton NSButton NSButton NSPopUpButton NSButton "
+            "NSSecureTextField NSButton NSTextField NSButton NSButton NSButton ");
   EXPECT_EQ(view, [controller valueForKey:@"addressNameTextField"]) << "and round again";
   [controller stopSending:nil];
 }

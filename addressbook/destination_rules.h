@@ -1,14 +1,33 @@
-// Rules of the destination list and of the fields that feed it.
+// Rules of the destination list and of what feeds it.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 
 namespace fax {
 
 inline constexpr std::size_t kMaximumDestinations = 30;
 
-constexpr bool has_room(std::size_t destinations) { return destinations < kMaximumDestinations; }
+// Is there room for more destinations beside those that there are? All of them or none.
+constexpr bool has_room(std::size_t destinations, std::size_t more = 1) {
+  return destinations + more <= kMaximumDestinations;
+}
+
+// What is to be done with duplicates among the destinations that are added at one time: asked when the first is met, and
+// the same for all that follow.
+class DuplicateDecision {
+public:
+  // ask answers whether they are to be added.
+  template <typename Ask>
+  bool allows(Ask ask) {
+    if (!allowed_) allowed_ = ask();
+    return *allowed_;
+  }
+
+private:
+  std::optional<bool> allowed_;
+};
 
 // Limits of the entry fields, in UTF-16 code units and in UTF-8 bytes alike.
 inline constexpr std::size_t kMaximumAddressName = 64;
