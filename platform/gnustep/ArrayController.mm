@@ -1,11 +1,15 @@
 // NSArrayController: one path for every change of content, arrangement and selection. The toolkit's own leaves stale
-// selected rows, does not sort what is added, tells no observer of the selection, and raises NSRangeException.
+// selected rows, does not sort what is added, tells no observer of the selection, and raises NSRangeException. What
+// changes the arrangement or the selection alone asks an array only for the rows that are or become selected, so that an
+// array may make its objects when they are asked for.
 #import <AppKit/AppKit.h>
 
+#include "platform/gnustep/arranged_rows.h"
 #include "platform/gnustep/followed_rows.h"
 #include "platform/gnustep/repair.h"
 
 #include <algorithm>
+#include <set>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -44,10 +48,44 @@ NSIndexSet *indexes_of(Positions const &positions) {
   return indexes;
 }
 
-std::vector<RowObject> rows_at(Positions const &positions, std::vector<RowObject> const &rows) {
-  std::vector<RowObject> found;
-  for (std::size_t const at : positions) found.push_back(rows[at]);
+bool same_objects(NSArray *before, Positions const &old, NSArray *after, Positions const &chosen) {
+  if (old.size() != chosen.size()) return false;
+  for (std::size_t at = 0; at < old.size(); ++at) {
+    if ([before objectAtIndex:old[at]] != [after objectAtIndex:chosen[at]]) return false;
+  }
+  return true;
+}
+
+// So many chosen rows are looked for one by one; more, by walking both arrays.
+constexpr std::size_t kFewRows = 8;
+
+// The positions below limit where array has the object.
+Positions occurrences(NSArray *array, id object, NSUInteger limit) {
+  Positions found;
+  for (NSUInteger from = 0; from < limit;) {
+    NSUInteger const at = [array indexOfObjectIdenticalTo:object inRange:NSMakeRange(from, limit - from)];
+    if (at == NSNotFound) break;
+    found.push_back(at);
+    from = at + 1;
+  }
   return found;
+}
+
+// The rows of now that stand for those chosen in before (see followed_rows.h).
+Positions follow(NSArray *before, Positions const &chosen, NSArray *now) {
+  if (chosen.empty()) return {};
+  if (chosen.size() > kFewRows) return fax::follow_rows(rows_of(before), chosen, rows_of(now));
+  Positions rows;
+  for (std::size_t const at : chosen) {
+    id const object = [before objectAtIndex:at];
+    Positions const places = occurrences(now, object, [now count]);
+    if (places.empty()) continue;
+    std::size_t const turn = places.size() == 1 ? 0 : occurrences(before, object, at).size();
+    rows.push_back(places[std::min(turn, places.size() - 1)]);
+  }
+  std::sort(rows.begin(), rows.end());
+  rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+  return rows;
 }
 
 NSArray *array_of(std::vector<RowObject> const &rows) {
@@ -95,6 +133,7 @@ fax::Repair<id(NSCoder *)> init_with_coder{
 }  // namespace
 
 @interface NSArrayController (DirectFaxArrangement)
+// The arranged objects as arrangeObjects: gave them, without the toolkit's wrapper.
 - (NSArray *)directfaxArrangement;
 - (BOOL)directfaxContent:(NSArray *)content
                    given:(BOOL)given
@@ -104,6 +143,7 @@ fax::Repair<id(NSCoder *)> init_with_coder{
 - (void)directfaxRemoveRows:(Positions const &)rows turns:(Turns const &)gone;
 - (void)directfaxWriteBack;
 - (Positions)directfaxSelection;
+- (Positions)directfaxRowsOfObjects:(NSArray *)objects;
 - (Positions)directfaxKept:(Positions const &)kept ofRows:(std::size_t)count instead:(std::size_t)other;
 @end
 
@@ -129,7 +169,7 @@ fax::Repair<id(NSCoder *)> init_with_coder{
     NSArray *arranged = [self arrangeObjects:[self content]];
     _arranged_objects = [[NSClassFromString(@"GSObservableArray") alloc] initWithArray:arranged];
   }
-  return _arranged_objects;
+  return fax::arranged_rows(_arranged_objects);
 }
 
 - (Positions)directfaxSelection {
@@ -149,11 +189,13 @@ fax::Repair<id(NSCoder *)> init_with_coder{
                    given:(BOOL)given
              arrangement:(NSArray *)arrangement
                selection:(Positions const &)chosen {
-  std::vector<RowObject> const before = rows_of([self directfaxArrangement]);
-  std::vector<RowObject> const after = arrangement != nil ? rows_of(arrangement) : before;
-  Positions const old = positions_of(_selection_indexes, before.size());
+  NSArray *before = [self directfaxArrangement];
+  NSArray *after = arrangement != nil ? arrangement : before;
+  std::size_t const count_before = [before count];
+  std::size_t const count_after = [after count];
+  Positions const old = positions_of(_selection_indexes, count_before);
   bool const other_rows = old != chosen;
-  bool const other_objects = rows_at(old, before) != rows_at(chosen, after);
+  bool const other_objects = !same_objects(before, old, after, chosen);
   bool const could_remove = [self isEditable] && !old.empty();
   bool const can_remove = [self isEditable] && !chosen.empty();
   auto const has_next = [](Positions const &at, std::size_t count) { return !at.empty() && at.front() + 1 < count; };
@@ -168,7 +210,7 @@ fax::Repair<id(NSCoder *)> init_with_coder{
   if (other_objects) [keys addObject:@"selectedObjects"];
   if (other_objects) [keys addObject:@"selection"];
   if (could_remove != can_remove) [keys addObject:@"canRemove"];
-  if (has_next(old, before.size()) != has_next(chosen, after.size())) [keys addObject:@"canSelectNext"];
+  if (has_next(old, count_before) != has_next(chosen, count_after)) [keys addObject:@"canSelectNext"];
   if (has_previous(old) != has_previous(chosen)) [keys addObject:@"canSelectPrevious"];
 
   NSUInteger const count = [keys count];
@@ -218,7 +260,7 @@ fax::Repair<id(NSCoder *)> init_with_coder{
   NSArray *arrangement = [self arrangeObjects:array];
   Positions kept;
   if (_arranged_objects != nil && (returned || [self preservesSelection])) {
-    kept = fax::follow_rows(rows_of(_arranged_objects), [self directfaxSelection], rows_of(arrangement));
+    kept = follow([self directfaxArrangement], [self directfaxSelection], arrangement);
   }
   [self directfaxContent:array
                    given:YES
@@ -227,7 +269,8 @@ fax::Repair<id(NSCoder *)> init_with_coder{
 }
 
 - (id)arrangedObjects {
-  return [self directfaxArrangement];
+  [self directfaxArrangement];
+  return _arranged_objects;
 }
 
 - (void)rearrangeObjects {
@@ -235,7 +278,7 @@ fax::Repair<id(NSCoder *)> init_with_coder{
   NSArray *arrangement = [self arrangeObjects:[self content]];
   Positions kept;
   if ([self preservesSelection]) {
-    kept = fax::follow_rows(rows_of(before), [self directfaxSelection], rows_of(arrangement));
+    kept = follow(before, [self directfaxSelection], arrangement);
   }
   [self directfaxContent:nil
                    given:NO
@@ -407,14 +450,28 @@ fax::Repair<id(NSCoder *)> init_with_coder{
 }
 
 - (BOOL)setSelectedObjects:(NSArray *)objects {
-  std::unordered_set<RowObject> wanted;
-  for (RowObject const object : rows_of(objects)) wanted.insert(object);
-  std::vector<RowObject> const rows = rows_of([self directfaxArrangement]);
+  return [self directfaxContent:nil given:NO arrangement:nil selection:[self directfaxRowsOfObjects:objects]];
+}
+
+// The arranged rows, ascending, that show one of the objects.
+- (Positions)directfaxRowsOfObjects:(NSArray *)objects {
+  NSArray *arrangement = [self directfaxArrangement];
+  NSUInteger const count = [arrangement count];
   Positions chosen;
-  for (std::size_t at = 0; at < rows.size(); ++at) {
-    if (wanted.count(rows[at]) != 0) chosen.push_back(at);
+  if ([objects count] <= kFewRows) {
+    std::set<std::size_t> rows;
+    for (RowObject const object : rows_of(objects)) {
+      for (std::size_t const at : occurrences(arrangement, static_cast<id>(object), count)) rows.insert(at);
+    }
+    chosen.assign(rows.begin(), rows.end());
+    return chosen;
   }
-  return [self directfaxContent:nil given:NO arrangement:nil selection:chosen];
+  std::vector<RowObject> const list = rows_of(objects);
+  std::unordered_set<RowObject> const wanted(list.begin(), list.end());
+  for (NSUInteger at = 0; at < count; ++at) {
+    if (wanted.count([arrangement objectAtIndex:at]) != 0) chosen.push_back(at);
+  }
+  return chosen;
 }
 
 - (BOOL)addSelectionIndexes:(NSIndexSet *)indexes {
@@ -436,10 +493,10 @@ fax::Repair<id(NSCoder *)> init_with_coder{
 - (BOOL)removeSelectedObjects:(NSArray *)objects {
   std::unordered_set<RowObject> unwanted;
   for (RowObject const object : rows_of(objects)) unwanted.insert(object);
-  std::vector<RowObject> const rows = rows_of([self directfaxArrangement]);
+  NSArray *arrangement = [self directfaxArrangement];
   Positions chosen;
   for (std::size_t const at : [self directfaxSelection]) {
-    if (unwanted.count(rows[at]) == 0) chosen.push_back(at);
+    if (unwanted.count([arrangement objectAtIndex:at]) == 0) chosen.push_back(at);
   }
   return [self directfaxContent:nil given:NO arrangement:nil selection:chosen];
 }
@@ -454,7 +511,7 @@ fax::Repair<id(NSCoder *)> init_with_coder{
 }
 
 - (NSArray *)selectedObjects {
-  return array_of(rows_at([self directfaxSelection], rows_of([self directfaxArrangement])));
+  return [[self directfaxArrangement] objectsAtIndexes:[self selectionIndexes]];
 }
 
 - (BOOL)canSelectNext {

@@ -1,9 +1,10 @@
 // A table that is bound to an array controller: the user's selection goes to the controller and the controller's to the
-// table; a column's value binding alone binds the table too, as in Xcode's documents; a cell reads its own row (the
-// toolkit copies the whole column for each cell that it draws, and keeps the copy for ever).
+// table; a cell reads its own row (the toolkit copies the whole column for each cell that it draws, and keeps the copy
+// for ever).
 #import <AppKit/AppKit.h>
 
 #include "platform/gnustep/repair.h"
+#include "platform/gnustep/row_path.h"
 
 #include <unordered_set>
 
@@ -15,8 +16,6 @@
 @end
 
 namespace {
-
-NSString *const kArranged = @"arrangedObjects";
 
 // Tables that are taking their controller's selection: what they select now is not the user's.
 std::unordered_set<id> &taking() {
@@ -105,31 +104,10 @@ fax::Repair<void(NSArray *)> sort_descriptors_changed{
       sort_descriptors_changed(self, command, before);
     }};
 
-// The rest of an array controller's path: "arrangedObjects.name" -> "name"; nil for other paths.
-NSString *path_in_row(NSDictionary *info) {
-  NSString *path = [info objectForKey:NSObservedKeyPathKey];
-  if (![[info objectForKey:NSObservedObjectKey] isKindOfClass:[NSArrayController class]]) return nil;
-  if (![path hasPrefix:[kArranged stringByAppendingString:@"."]]) return nil;
-  return [path substringFromIndex:[kArranged length] + 1];
-}
-
-fax::Repair<void(NSString *, id, NSString *, NSDictionary *)> bind_column{
-    "NSTableColumn", "bind:toObject:withKeyPath:options:",
-    [](id self, SEL command, NSString *binding, id object, NSString *path, NSDictionary *options) {
-      bind_column(self, command, binding, object, path, options);
-      NSTableColumn *column = self;
-      NSTableView *table = [column tableView];
-      if (table == nil || ![binding isEqualToString:NSValueBinding]) return;
-      if (path_in_row([column infoForBinding:binding]) == nil || [table infoForBinding:NSContentBinding] != nil) return;
-      [table bind:NSContentBinding toObject:object withKeyPath:kArranged options:nil];
-      [table bind:NSSelectionIndexesBinding toObject:object withKeyPath:NSSelectionIndexesBinding options:nil];
-      [table bind:NSSortDescriptorsBinding toObject:object withKeyPath:NSSortDescriptorsBinding options:nil];
-    }};
-
 // The object that row shows, or nil where the binding is of another kind; sets out the binding's parts.
 id bound_row(NSTableColumn *column, NSInteger row, NSDictionary **info, NSString **path) {
   *info = [column infoForBinding:NSValueBinding];
-  *path = path_in_row(*info);
+  *path = fax::path_in_row([*info objectForKey:NSObservedObjectKey], [*info objectForKey:NSObservedKeyPathKey]);
   if (*path == nil) return nil;
   NSArray *rows = [[*info objectForKey:NSObservedObjectKey] arrangedObjects];
   return row >= 0 && static_cast<NSUInteger>(row) < [rows count] ? [rows objectAtIndex:row] : nil;

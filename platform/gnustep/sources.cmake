@@ -11,10 +11,12 @@ set(gnustep_sources
   gnustep/LinkedFile.mm
   gnustep/MenuTitle.mm
   gnustep/NetService.mm
+  gnustep/ObservableArray.mm
   gnustep/ObservedSetter.mm
   gnustep/PropertyLists.mm
   gnustep/RefusedEdit.mm
   gnustep/TabView.mm
+  gnustep/TableColumn.mm
   gnustep/TableView.mm
   gnustep/Workspace.mm
   gnustep/XibFont.mm
