@@ -1,0 +1,116 @@
+#include "gad/csv_table.h"
+
+#include <csv.h>
+
+#include <algorithm>
+#include <new>
+#include <tuple>
+
+namespace fax::tool {
+namespace {
+
+constexpr std::string_view delimiters = ",;\t|:";
+constexpr std::size_t sample_rows = 50;
+constexpr int in_cell = 2;  // csv_parser::pstate before the closing quote
+
+class Reader {
+public:
+  Reader(char delimiter, std::function<bool(CsvRow &)> const &visit) : visit_(visit) {
+    if (csv_init(&parser_, 0) != 0) throw std::bad_alloc();
+    csv_set_delim(&parser_, static_cast<unsigned char>(delimiter));
+  }
+  ~Reader() { csv_free(&parser_); }
+  Reader(Reader const &) = delete;
+  Reader &operator=(Reader const &) = delete;
+
+  // Line by line, for the parser does not tell where it is.
+  void read(std::string_view text) {
+    while (!text.empty() && wanted_) {
+      ++line_;
+      std::size_t const end = line_end(text);
+      parse(text.substr(0, end));
+      text.remove_prefix(end);
+    }
+    if (!wanted_) return;
+    row_.complete = !within_quotes();
+    if (csv_fini(&parser_, on_cell, on_row, this) != 0) throw std::bad_alloc();
+  }
+
+private:
+  static std::size_t line_end(std::string_view text) {
+    std::size_t const end = text.find_first_of("\r\n");
+    if (end == std::string_view::npos) return text.size();
+    return text.substr(end).starts_with("\r\n") ? end + 2 : end + 1;
+  }
+
+  void parse(std::string_view line) {
+    if (csv_parse(&parser_, line.data(), line.size(), on_cell, on_row, this) != line.size()) throw std::bad_alloc();
+    // Nothing is open: the next line begins a row.
+    if (row_.cells.empty() && !within_quotes()) row_.line = line_ + 1;
+  }
+
+  // After a whole line the parser is in the middle of a cell only if that one is quoted.
+  bool within_quotes() const { return parser_.quoted != 0 && parser_.pstate == in_cell; }
+
+  static void on_cell(void *cell, std::size_t size, void *self) {
+    static_cast<Reader *>(self)->row_.cells.emplace_back(static_cast<char const *>(cell), size);
+  }
+
+  static void on_row(int, void *self) {
+    auto *reader = static_cast<Reader *>(self);
+    if (reader->wanted_) reader->wanted_ = reader->visit_(reader->row_);
+    reader->row_ = CsvRow{{}, reader->line_ + 1, true};
+  }
+
+  std::function<bool(CsvRow &)> const &visit_;
+  csv_parser parser_{};
+  CsvRow row_{{}, 1, true};
+  std::size_t line_ = 0;
+  bool wanted_ = true;
+};
+
+// Better is greater.
+using Likeness = std::tuple<std::size_t, std::size_t>;
+
+Likeness likeness(std::string_view text, char delimiter, std::function<bool(std::string_view)> const &recognised) {
+  std::size_t known = 0, columns = 0, alike = 0, rows = 0;
+  read_csv(text, delimiter, [&](CsvRow &row) {
+    if (rows == 0) {
+      columns = row.cells.size();
+      known = std::size_t(std::count_if(row.cells.begin(), row.cells.end(), recognised));
+    }
+    if (row.cells.size() == columns) ++alike;
+    return ++rows < sample_rows;
+  });
+  return {columns > 1 ? known : 0, columns > 1 ? alike * columns : 0};
+}
+
+}  // namespace
+
+void read_csv(std::string_view text, char delimiter, std::function<bool(CsvRow &)> const &visit) {
+  Reader(delimiter, visit).read(text);
+}
+
+bool is_delimiter_line(std::string_view line) { return line.size() == 5 && line.starts_with("sep="); }
+
+char detect_delimiter(std::string_view text, std::function<bool(std::string_view)> const &recognised) {
+  std::string_view const first = text.substr(0, text.find_first_of("\r\n"));
+  if (is_delimiter_line(first)) return first.back();
+  return *std::max_element(delimiters.begin(), delimiters.end(), [&](char a, char b) {
+    return likeness(text, a, recognised) < likeness(text, b, recognised);
+  });
+}
+
+std::string csv_row(std::vector<std::string_view> const &cells, char delimiter) {
+  std::string row;
+  for (std::string_view cell : cells) {
+    if (!row.empty()) row += delimiter;
+    std::size_t const size = csv_write(nullptr, 0, cell.data(), cell.size());
+    std::size_t const start = row.size();
+    row.resize(start + size);
+    csv_write(row.data() + start, size, cell.data(), cell.size());
+  }
+  return row + "\r\n";
+}
+
+}  // namespace fax::tool

@@ -1,0 +1,36 @@
+// Rows on standard output, for people or for programs.
+#pragma once
+
+#include "gad/commands.h"
+
+#include <cstdint>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace fax::tool {
+
+class Listing {
+public:
+  using Cell = std::variant<std::uint32_t, std::string, std::vector<std::string>>;
+
+  Listing(std::vector<std::string> columns, ListFormat format);
+
+  // As many cells as there are columns.
+  void add(std::vector<Cell> row) { rows_.push_back(std::move(row)); }
+
+  // A table has the names of the columns on top; tsv has none, tabs between the cells and escaped() texts, the items of a
+  // list separated by ";" (one within an item has a backslash before it); json is one array of objects.
+  void print() const;
+
+private:
+  void print_table() const;
+  void print_tsv() const;
+  void print_json() const;
+
+  std::vector<std::string> columns_;
+  ListFormat format_;
+  std::vector<std::vector<Cell>> rows_;
+};
+
+}  // namespace fax::tool

@@ -1,0 +1,44 @@
+#include "gad/numbers.h"
+
+#include "gad/text.h"
+
+#include <algorithm>
+#include <tuple>
+
+namespace fax::tool {
+namespace {
+
+bool is_fax(Rank rank) { return rank <= Rank::fax_other; }
+
+}  // namespace
+
+void Numbers::add(std::string const &number, Rank rank, int preference) {
+  if (trimmed(number).empty()) return;
+  auto const same = std::find_if(numbers_.begin(), numbers_.end(), [&](Number const &one) { return one.text == number; });
+  if (same == numbers_.end())
+    numbers_.push_back({number, rank, preference});
+  else if (std::tie(rank, preference) < std::tie(same->rank, same->preference))
+    *same = {number, rank, preference};
+}
+
+void Numbers::choose(Contact &contact, bool fax_only, Contacts &contacts) {
+  std::stable_sort(numbers_.begin(), numbers_.end(), [](Number const &a, Number const &b) {
+    return std::tie(a.rank, a.preference) < std::tie(b.rank, b.preference);
+  });
+  std::string const who = contact.name.empty() ? "a contact without a name" : in_quotes(contact.name);
+  if (numbers_.empty()) return contacts.skip(contact.line, who + ": no number");
+  Number const &taken = numbers_.front();
+  if (!is_fax(taken.rank)) {
+    if (fax_only) return contacts.skip(contact.line, who + ": no fax number");
+    contacts.remark(contact.line, who + ": no fax number; the telephone number " + in_quotes(taken.text) + " is taken");
+  }
+  std::string others;
+  for (std::size_t i = 1; i < numbers_.size() && is_fax(numbers_[i].rank); ++i)
+    others += (others.empty() ? "" : ", ") + in_quotes(numbers_[i].text);
+  if (!others.empty())
+    contacts.remark(contact.line, who + ": the fax number " + in_quotes(taken.text) + " is taken, not " + others);
+  contact.number = taken.text;
+  contacts.people.push_back(std::move(contact));
+}
+
+}  // namespace fax::tool

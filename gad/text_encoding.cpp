@@ -1,0 +1,153 @@
+#include "gad/text_encoding.h"
+
+#include "gad/failure.h"
+#include "gad/text.h"
+
+#include <unicode/ucnv.h>
+#include <unicode/ucnv_err.h>
+#include <unicode/uchar.h>
+#include <unicode/unistr.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <optional>
+
+namespace fax::tool {
+namespace {
+
+constexpr char const *shift_jis = "windows-31j";
+constexpr char const *western = "windows-1252";
+
+struct CloseConverter {
+  void operator()(UConverter *converter) const { ucnv_close(converter); }
+};
+using Converter = std::unique_ptr<UConverter, CloseConverter>;
+
+Converter open_converter(std::string const &encoding) {
+  UErrorCode error = U_ZERO_ERROR;
+  Converter converter(ucnv_open(encoding.c_str(), &error));
+  if (U_FAILURE(error)) return nullptr;
+  ucnv_setToUCallBack(converter.get(), UCNV_TO_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &error);
+  return U_SUCCESS(error) ? std::move(converter) : nullptr;
+}
+
+struct Conversion {
+  icu::UnicodeString text;  // up to the fault, when there is one
+  bool complete = false;
+};
+
+// In pieces, as ICU counts in 32 bits.
+Conversion convert(UConverter *converter, std::string_view bytes) {
+  Conversion result;
+  std::array<UChar, 16384> piece;
+  char const *source = bytes.data(), *end = source + bytes.size();
+  for (;;) {
+    UErrorCode error = U_ZERO_ERROR;
+    UChar *target = piece.data();
+    ucnv_toUnicode(converter, &target, piece.data() + piece.size(), &source, end, nullptr, true, &error);
+    result.text.append(piece.data(), std::int32_t(target - piece.data()));
+    if (error == U_BUFFER_OVERFLOW_ERROR) continue;
+    result.complete = U_SUCCESS(error);
+    return result;
+  }
+}
+
+std::string to_utf8(icu::UnicodeString const &text) {
+  std::string result;
+  text.toUTF8String(result);
+  return result;
+}
+
+std::size_t lines(icu::UnicodeString const &text) {
+  UChar const *units = text.getBuffer();
+  return std::size_t(std::count(units, units + text.length(), u'\n')) + 1;
+}
+
+DecodedText decode_as(std::string_view bytes, std::string const &encoding, std::string const &label) {
+  Converter const converter = open_converter(encoding);
+  if (converter == nullptr)
+    throw Failure("the encoding " + in_quotes(label) + " is not known; try utf-8, utf-16le, windows-1252, latin1 or shift-jis",
+                  exit_usage);
+  Conversion const conversion = convert(converter.get(), bytes);
+  if (!conversion.complete)
+    throw Failure("line " + std::to_string(lines(conversion.text)) + " is not valid " + label +
+                  "; name the file's encoding with --encoding");
+  std::string text = to_utf8(conversion.text);
+  if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
+  return {std::move(text), label, false};
+}
+
+enum class Width { none, half, full };
+
+// Half: the katakana that take one byte in Shift JIS.
+Width japanese_width(UChar32 code) {
+  if (code >= 0xFF61 && code <= 0xFF9F) return Width::half;
+  bool const full = (code >= 0x3000 && code <= 0x30FF) || (code >= 0x4E00 && code <= 0x9FFF) ||
+                    (code >= 0xFF00 && code <= 0xFF60);
+  return full ? Width::full : Width::none;
+}
+
+// Western letters read as Shift JIS turn into single Japanese characters between ASCII ones; Japanese text has words.
+// (A detector by statistics, such as ICU's, needs more text than an address list has.)
+bool reads_as_japanese(icu::UnicodeString const &text) {
+  std::size_t in_words = 0, stray = 0;
+  for (std::int32_t i = 0; i < text.length();) {
+    Width const width = japanese_width(text.char32At(i));
+    std::int32_t const start = i;
+    do {
+      if (u_charType(text.char32At(i)) == U_PRIVATE_USE_CHAR) return false;
+      i = text.moveIndex32(i, 1);
+    } while (i < text.length() && japanese_width(text.char32At(i)) == width);
+    std::size_t const length = std::size_t(i - start);
+    if (width == Width::none) continue;
+    bool const word = length >= (width == Width::full ? 2U : 3U);
+    (word ? in_words : stray) += length;
+  }
+  return in_words > stray;
+}
+
+std::optional<std::string> marked_encoding(std::string_view bytes) {
+  if (bytes.starts_with("\xEF\xBB\xBF")) return "UTF-8";
+  if (bytes.starts_with(std::string_view("\xFF\xFE\0\0", 4))) return "UTF-32LE";
+  if (bytes.starts_with(std::string_view("\0\0\xFE\xFF", 4))) return "UTF-32BE";
+  if (bytes.starts_with("\xFF\xFE")) return "UTF-16LE";
+  if (bytes.starts_with("\xFE\xFF")) return "UTF-16BE";
+  return std::nullopt;
+}
+
+DecodedText guess(std::string_view bytes) {
+  if (is_utf8(bytes)) return {std::string(bytes), "UTF-8", false};
+  Conversion const japanese = convert(open_converter(shift_jis).get(), bytes);
+  if (japanese.complete && reads_as_japanese(japanese.text)) return {to_utf8(japanese.text), "Shift JIS", true};
+  DecodedText result = decode_as(bytes, western, "Windows-1252");
+  result.guessed = true;
+  return result;
+}
+
+// A text has hardly a U+0000; pictures, archives and databases are full of them.
+void refuse_binary(std::string_view text) {
+  std::string_view const start = text.substr(0, 65536);
+  auto const nulls = std::size_t(std::count(start.begin(), start.end(), '\0'));
+  if (nulls > 8 && nulls > start.size() / 1000)
+    throw Failure("this is no text file (if it is UTF-16 without a byte order mark, say --encoding utf-16le)");
+}
+
+}  // namespace
+
+DecodedText decode_text_file(std::string_view bytes, std::string_view encoding) {
+  DecodedText result;
+  if (!encoding.empty()) {
+    result = decode_as(bytes, comparable(encoding) == "shiftjis" ? shift_jis : std::string(encoding), std::string(encoding));
+  } else if (auto const marked = marked_encoding(bytes)) {
+    result = decode_as(bytes, *marked, *marked);
+  } else {
+    refuse_binary(bytes);
+    result = guess(bytes);
+  }
+  refuse_binary(result.text);
+  return result;
+}
+
+}  // namespace fax::tool
