@@ -30,7 +30,7 @@ public:
 
 private:
   void add(Contact const &contact) {
-    std::string const who = in_quotes(contact.name);
+    std::string const who = called(contact);
     if (auto const fault = fault_of(contact)) return contacts_.skip(contact.line, who + ": " + *fault);
     std::uint32_t id = 0;
     Status const status = change_.add(

@@ -31,6 +31,10 @@ bool is_accepted(char32_t character) {
 
 }  // namespace
 
+std::string called(Contact const &contact) {
+  return trimmed(contact.name).empty() ? "a contact without a name" : in_quotes(contact.name);
+}
+
 std::optional<std::string> fault_of(Contact const &contact) {
   if (trimmed(contact.name).empty()) return "the name is empty";
   if (trimmed(contact.number).empty()) return "the number is empty";

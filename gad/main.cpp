@@ -160,6 +160,10 @@ struct Program {
   }
 
   int run(int count, char **arguments) {
+    std::string const first = count > 1 ? arguments[1] : "";
+    auto const is_first = [&](CLI::App *command) { return command->get_name() == first; };
+    if (!first.empty() && first.front() != '-' && app.get_subcommands(is_first).empty())
+      throw Failure("there is no command " + first + "; 'gad --help' shows them", exit_usage);
     try {
       app.parse(count, arguments);
       return code;

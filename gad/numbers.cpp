@@ -1,5 +1,6 @@
 #include "gad/numbers.h"
 
+#include "gad/contact_rules.h"
 #include "gad/text.h"
 
 #include <algorithm>
@@ -25,7 +26,7 @@ void Numbers::choose(Contact &contact, bool fax_only, Contacts &contacts) {
   std::stable_sort(numbers_.begin(), numbers_.end(), [](Number const &a, Number const &b) {
     return std::tie(a.rank, a.preference) < std::tie(b.rank, b.preference);
   });
-  std::string const who = contact.name.empty() ? "a contact without a name" : in_quotes(contact.name);
+  std::string const who = called(contact);
   if (numbers_.empty()) return contacts.skip(contact.line, who + ": no number");
   Number const &taken = numbers_.front();
   if (!is_fax(taken.rank)) {

@@ -5,12 +5,10 @@
 
 #include <unicode/ucnv.h>
 #include <unicode/ucnv_err.h>
-#include <unicode/uchar.h>
 #include <unicode/unistr.h>
 
 #include <algorithm>
 #include <array>
-#include <cstdint>
 #include <memory>
 #include <optional>
 
@@ -47,7 +45,7 @@ Conversion convert(UConverter *converter, std::string_view bytes) {
     UErrorCode error = U_ZERO_ERROR;
     UChar *target = piece.data();
     ucnv_toUnicode(converter, &target, piece.data() + piece.size(), &source, end, nullptr, true, &error);
-    result.text.append(piece.data(), std::int32_t(target - piece.data()));
+    result.text.append(piece.data(), int32_t(target - piece.data()));
     if (error == U_BUFFER_OVERFLOW_ERROR) continue;
     result.complete = U_SUCCESS(error);
     return result;
@@ -79,31 +77,30 @@ DecodedText decode_as(std::string_view bytes, std::string const &encoding, std::
   return {std::move(text), label, false};
 }
 
-enum class Width { none, half, full };
+// What a byte of Shift JIS begins. Common: kana and the characters that names and words are mostly made of; rare: the
+// others; katakana: those of half width, one byte each; foreign: characters that a user made.
+enum class Kind { ascii, common, rare, katakana, foreign };
 
-// Half: the katakana that take one byte in Shift JIS.
-Width japanese_width(UChar32 code) {
-  if (code >= 0xFF61 && code <= 0xFF9F) return Width::half;
-  bool const full = (code >= 0x3000 && code <= 0x30FF) || (code >= 0x4E00 && code <= 0x9FFF) ||
-                    (code >= 0xFF00 && code <= 0xFF60);
-  return full ? Width::full : Width::none;
+Kind kind_of(unsigned char byte) {
+  if (byte < 0x80) return Kind::ascii;
+  if (byte >= 0xA0 && byte <= 0xDF) return Kind::katakana;
+  if (byte >= 0xF0 && byte <= 0xF9) return Kind::foreign;
+  return byte <= 0x98 ? Kind::common : Kind::rare;
 }
 
-// Western letters read as Shift JIS turn into single Japanese characters between ASCII ones; Japanese text has words.
-// (A detector by statistics, such as ICU's, needs more text than an address list has.)
-bool reads_as_japanese(icu::UnicodeString const &text) {
+// Of valid Shift JIS. Western accents read as such turn into rare characters and short pieces of katakana, western quotation
+// marks into single characters; Japanese text has words. (A detector by statistics, such as ICU's, needs more text than an
+// address list has.)
+bool reads_as_japanese(std::string_view bytes) {
   std::size_t in_words = 0, stray = 0;
-  for (std::int32_t i = 0; i < text.length();) {
-    Width const width = japanese_width(text.char32At(i));
-    std::int32_t const start = i;
-    do {
-      if (u_charType(text.char32At(i)) == U_PRIVATE_USE_CHAR) return false;
-      i = text.moveIndex32(i, 1);
-    } while (i < text.length() && japanese_width(text.char32At(i)) == width);
-    std::size_t const length = std::size_t(i - start);
-    if (width == Width::none) continue;
-    bool const word = length >= (width == Width::full ? 2U : 3U);
-    (word ? in_words : stray) += length;
+  for (std::size_t i = 0; i < bytes.size();) {
+    Kind const kind = kind_of(static_cast<unsigned char>(bytes[i]));
+    if (kind == Kind::foreign) return false;
+    std::size_t const size = kind == Kind::common || kind == Kind::rare ? 2 : 1;
+    std::size_t length = 0;
+    for (; i < bytes.size() && kind_of(static_cast<unsigned char>(bytes[i])) == kind; i += size) ++length;
+    bool const word = (kind == Kind::common && length >= 2) || (kind == Kind::katakana && length >= 3);
+    if (kind != Kind::ascii) (word ? in_words : stray) += length;
   }
   return in_words > stray;
 }
@@ -120,7 +117,7 @@ std::optional<std::string> marked_encoding(std::string_view bytes) {
 DecodedText guess(std::string_view bytes) {
   if (is_utf8(bytes)) return {std::string(bytes), "UTF-8", false};
   Conversion const japanese = convert(open_converter(shift_jis).get(), bytes);
-  if (japanese.complete && reads_as_japanese(japanese.text)) return {to_utf8(japanese.text), "Shift JIS", true};
+  if (japanese.complete && reads_as_japanese(bytes)) return {to_utf8(japanese.text), "Shift JIS", true};
   DecodedText result = decode_as(bytes, western, "Windows-1252");
   result.guessed = true;
   return result;

@@ -1,0 +1,134 @@
+// The commands as a shell sees them: exit codes, plain output, books that the sqlite3 shell reads and writes.
+
+#include "tool.h"
+
+#include <gmock/gmock.h>
+
+namespace fax::tool::testing {
+namespace {
+
+using ::testing::AllOf;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+TEST(Commands, EndAsPeopleExpect) {
+  Folder const folder;
+  std::string const book = folder.book(), missing = folder / "none.gad", text = folder.file("text", "no book");
+  ASSERT_EQ(gad({"add", book, "Anna", "1"}).code, 0);
+  ASSERT_EQ(gad({"add", book, "Anna", "2"}).code, 0);
+  struct Row {
+    std::vector<std::string> command;
+    int code;
+    char const *report;
+  };
+  std::vector<Row> const rows = {
+      {{}, 2, "subcommand is required"},
+      {{"--help"}, 0, ""},
+      {{"--version"}, 0, ""},
+      {{"lst", book}, 2, "lst"},
+      {{"list"}, 2, "FILE is required"},
+      {{"list", missing}, 1, "none.gad: there is no such file; make one with 'gad create'"},
+      {{"list", text}, 1, "not an address book; to take over another program's addresses use 'gad import'"},
+      {{"list", folder / ""}, 1, "not an address book"},
+      {{"list", book, "--format", "xml"}, 2, "--format"},
+      {{"list", book, "--group", "none"}, 1, "no group \"none\""},
+      {{"create", book}, 1, "choose another name"},
+      {{"create", folder / "no" + "/x.gad"}, 1, "x.gad"},
+      {{"add", book, "Anna", "1"}, 1, "\"Anna\" is there already with the number \"1\""},
+      {{"add", book, "", "1"}, 2, "the name is empty"},
+      {{"add", book, std::string(65, 'x'), "1"}, 2, "65 characters of 64"},
+      {{"add", book, "J\xF6rg", "1"}, 2, "not valid UTF-8"},
+      {{"add", book, "Ben", "Group"}, 2, "mark of groups"},
+      {{"remove", book, "Ben"}, 1, "no entry \"Ben\""},
+      {{"remove", book, "1", "Ben"}, 1, "no entry \"Ben\""},
+      {{"remove", book, "Anna"}, 1, "several entries \"Anna\"; name one of the ids 1, 2"},
+      {{"group", book, "none"}, 1, "no group"},
+      {{"group", book, "--create"}, 2, "--create"},
+      {{"group", book, "G", "--create", "--add", "Zed"}, 1, "no entry \"Zed\""},
+      {{"import", book, folder / "none"}, 1, "No such file"},
+      {{"import", missing, text}, 1, "make one with 'gad create'"},
+      {{"import", book, text, "--delimiter", "ab"}, 2, "one ASCII character"},
+      {{"export", book, folder / "list.txt"}, 2, "say which with --to"},
+      {{"export", book, text, "--to", "csv"}, 1, "--force replaces it"},
+      {{"export", book, "/dev/full", "--to", "csv"}, 1, "No space left"},
+  };
+  std::string const before = content_of(book);
+  for (Row const &row : rows) {
+    Outcome const outcome = gad(row.command);
+    EXPECT_EQ(outcome.code, row.code) << ::testing::PrintToString(row.command) << outcome.errors;
+    EXPECT_THAT(outcome.errors, HasSubstr(row.report));
+    EXPECT_EQ(outcome.output.empty(), row.code != 0) << outcome.output;
+  }
+  EXPECT_EQ(content_of(book), before);
+  EXPECT_EQ(content_of(text), "no book");
+  EXPECT_EQ(run({"sh", "-c", GAD " list '" + book + "' > /dev/full"}).code, 1);
+}
+
+TEST(Commands, HelpNamesEveryOption) {
+  for (char const *command : {"create", "list", "add", "remove", "group", "import", "export"}) {
+    Outcome const help = gad({command, "--help"});
+    EXPECT_EQ(help.code, 0);
+    EXPECT_THAT(help.output, AllOf(HasSubstr("Usage: gad " + std::string(command)), HasSubstr("the address book")));
+  }
+}
+
+TEST(Commands, ChangeEntriesAndGroups) {
+  Folder const folder;
+  std::string const book = folder.book();
+  EXPECT_EQ(gad({"add", book, "Åsa", "030-1", "--company", "C", "--note", "a\tb", "--group", "x;y", "--group", "G"}).output, "1\n");
+  EXPECT_THAT(gad({"add", book, "Ben", "+1 (2)"}).errors, HasSubstr("holds \"+ ()\""));
+  EXPECT_EQ(gad({"list", book}).output, "1\tÅsa\t030-1\tC\ta\\tb\tx\\;y;G\n2\tBen\t+1 (2)\t\t\t\n");
+  EXPECT_EQ(gad({"list", book, "--search", "åS"}).output, "1\tÅsa\t030-1\tC\ta\\tb\tx\\;y;G\n");
+  EXPECT_EQ(gad({"list", book, "--format", "table"}).output,
+            "id  name  number  company  note  groups\n1   Åsa   030-1   C        a\\tb  x\\;y;G\n2   Ben   +1 (2)\n");
+  EXPECT_THAT(gad({"list", book, "--format", "json"}).output, HasSubstr("\"groups\": [\n   \"x;y\",\n   \"G\"\n  ]"));
+  EXPECT_EQ(gad({"group", book, "New", "--create", "--add", "Ben", "1"}).code, 0);
+  EXPECT_EQ(gad({"group", book, "G", "--rename", "H", "--remove", "1", "--add", "2"}).code, 0);
+  EXPECT_EQ(gad({"group", book, "x;y", "--delete"}).code, 0);
+  EXPECT_EQ(gad({"group", book}).output, "H\t1\nNew\t2\n");
+  EXPECT_EQ(gad({"group", book, "New"}).output, "1\tÅsa\t030-1\n2\tBen\t+1 (2)\n");
+  EXPECT_EQ(gad({"remove", book, "Ben", "2"}).code, 0);
+  EXPECT_EQ(gad({"list", book}).output, "1\tÅsa\t030-1\tC\ta\\tb\tNew\n");
+}
+
+TEST(Commands, ShareBooksWithTheSqliteShell) {
+  Folder const folder;
+  std::string const book = folder.book();
+  ASSERT_EQ(gad({"add", book, "Åsa", "030-1", "--group", "G"}).code, 0);
+  Outcome const shell = run({"sqlite3", "-batch", "-noheader", book,
+                             "PRAGMA foreign_keys = ON; PRAGMA integrity_check;"
+                             "SELECT i.name, i.number, g.name FROM individuals i JOIN members ON individual_id = i.id"
+                             " JOIN groups g ON g.id = group_id;"
+                             "INSERT INTO individuals (name, number, note) VALUES ('Ben', '2', 'by hand');"
+                             "INSERT INTO groups (name) VALUES ('Shell');"
+                             "INSERT INTO members VALUES (2, 2), (2, 1);"});
+  EXPECT_EQ(shell.output, "ok\nÅsa|030-1|G\n") << shell.errors;
+  EXPECT_EQ(gad({"list", book}).output, "1\tÅsa\t030-1\t\t\tG;Shell\n2\tBen\t2\t\tby hand\tShell\n");
+  EXPECT_EQ(gad({"list", book, "--search", "BEN"}).output, "2\tBen\t2\t\tby hand\tShell\n");
+
+  // A book that was made by hand from the documented tables.
+  std::string const made = folder / "made.gad";
+  ASSERT_EQ(run({"sh", "-c", "{ echo 'PRAGMA application_id = 1195459654; PRAGMA user_version = 1;';"
+                             " sqlite3 '" + book + "' .schema | grep -v sqlite_sequence; } | sqlite3 '" + made + "'"}).code, 0);
+  EXPECT_EQ(gad({"add", made, "Cleo", "3"}).code, 0);
+  EXPECT_EQ(gad({"list", made}).output, "1\tCleo\t3\t\t\t\n");
+}
+
+TEST(Commands, ExportIsCompleteOrNotThere) {
+  Folder const folder;
+  std::string const book = folder.book();
+  ASSERT_EQ(gad({"add", book, "Åsa; Öberg", "1", "--note", "a\nb", "--group", "G"}).code, 0);
+  ASSERT_EQ(gad({"group", book, "Empty", "--create"}).code, 0);
+  Outcome const csv = gad({"export", book, "--to", "csv"});
+  EXPECT_EQ(csv.output,
+            "\"Name\",\"Fax Number\",\"Company\",\"Notes\",\"Categories\"\r\n\"Åsa; Öberg\",\"1\",\"\",\"a\nb\",\"G\"\r\n");
+  EXPECT_THAT(csv.errors, HasSubstr("group \"Empty\" has no members"));
+  std::string const target = folder.file("list.vcf", "old");
+  EXPECT_EQ(gad({"export", book, target, "--force"}).code, 0);
+  EXPECT_EQ(content_of(target), gad({"export", book}).output);
+  EXPECT_THAT(content_of(target), HasSubstr("\r\nFN:Åsa\\; Öberg\r\nN:Åsa\\; Öberg;;;;\r\nTEL;TYPE=fax:1\r\nNOTE:a\\nb\r\n"));
+  EXPECT_EQ(folder.names(), (std::vector<std::string>{"book.gad", "list.vcf"}));
+}
+
+}  // namespace
+}  // namespace fax::tool::testing
