@@ -54,6 +54,8 @@ NSString *complaint(NSString *reader, fax::ReadEnd end) {
       return [reader stringByAppendingString:@": Individual - Invalid Phone Number"];
     case fax::ReadEnd::group_without_name:
       return [reader stringByAppendingString:@": Group - Invalid name"];
+    case fax::ReadEnd::refused:
+      return [reader stringByAppendingString:@": Too many entries"];
     case fax::ReadEnd::complete:
       break;
   }
@@ -330,6 +332,8 @@ NSString *complaint(NSString *reader, fax::ReadEnd end) {
   else
     [self setUserPropertyInfo:entry];
   [NSApp runModalForWindow:panel];
+  // The toolkit may end the run at Escape without closing anything.
+  [panel orderOut:self];
 }
 
 - (IBAction)showPCAddressProperty:(id)sender {

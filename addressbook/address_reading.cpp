@@ -2,6 +2,7 @@
 
 #include "support/string_encoding.h"
 
+#include <exception>
 #include <memory>
 
 namespace fax {
@@ -21,7 +22,12 @@ ReadEnd each_record(Library &library, AddressData data, std::int32_t (Library::*
                     void (Library::*get)(AddressData, std::uint32_t, RecordRoom &), RecordRoom &room, Take take) {
   for (std::int32_t index = 0; index < (library.*count)(data); ++index) {
     (library.*get)(data, static_cast<std::uint32_t>(index), room);
-    ReadEnd const end = take();
+    ReadEnd end = ReadEnd::refused;
+    try {
+      end = take();
+    } catch (std::exception const &) {
+      // No room for it.
+    }
     if (end != ReadEnd::complete) return end;
   }
   return ReadEnd::complete;

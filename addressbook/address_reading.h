@@ -29,8 +29,9 @@ struct AddressVisitor {
   std::function<void(Group const &)> group;
 };
 
-// How reading ended: after the last record, or at a record that ends it at once.
-enum class ReadEnd { complete, individual_without_name, individual_without_number, group_without_name };
+// How reading ended: after the last record, at a record that ends it at once, or at one that the visitor threw a standard
+// exception for.
+enum class ReadEnd { complete, individual_without_name, individual_without_number, group_without_name, refused };
 
 // Individuals in the order of their records, then groups. The number of records is asked for again before each.
 ReadEnd read_file_entries(Library &library, AddressData data, AddressVisitor const &visitor);
