@@ -69,7 +69,7 @@ struct Program {
     app.set_version_flag("--version", "gad " GAD_VERSION);
     app.set_help_flag("-h,--help", "show this help and end");
     app.require_subcommand(1);
-    app.footer("'gad COMMAND --help' tells all about a command; so does 'man gad'.");
+    app.footer("'gad COMMAND --help' tells all about a command, gad.1 all of it.");
     create();
     listing();
     adding();

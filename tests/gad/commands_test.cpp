@@ -4,6 +4,9 @@
 
 #include <gmock/gmock.h>
 
+#include <regex>
+#include <set>
+
 namespace fax::tool::testing {
 namespace {
 
@@ -64,11 +67,25 @@ TEST(Commands, EndAsPeopleExpect) {
   EXPECT_EQ(run({"sh", "-c", GAD " list '" + book + "' > /dev/full"}).code, 1);
 }
 
-TEST(Commands, HelpNamesEveryOption) {
+TEST(Commands, HelpAndManualNameTheSameOptions) {
+  std::string const manual = std::regex_replace(content_of(MANUAL), std::regex(R"(\\-)"), "-");
   for (char const *command : {"create", "list", "add", "remove", "group", "import", "export"}) {
     Outcome const help = gad({command, "--help"});
     EXPECT_EQ(help.code, 0);
     EXPECT_THAT(help.output, AllOf(HasSubstr("Usage: gad " + std::string(command)), HasSubstr("the address book")));
+    // The command's part of the manual.
+    std::size_t const start = manual.find(".SS " + std::string(command) + ' ');
+    ASSERT_NE(start, std::string::npos) << command;
+    std::string const part = manual.substr(start, manual.find("\n.S", start + 1) - start);
+    std::regex const option("--[a-z][a-z-]+");
+    auto const options = [&](std::string const &text) {
+      std::set<std::string> const names(std::sregex_token_iterator(text.begin(), text.end(), option), {});
+      return names;
+    };
+    std::set<std::string> named = options(help.output);
+    named.erase("--help");
+    EXPECT_THAT(options(part), ::testing::IsSupersetOf(named)) << command;
+    EXPECT_THAT(named, ::testing::IsSupersetOf(options(part))) << command;
   }
 }
 
