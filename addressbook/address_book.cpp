@@ -11,19 +11,44 @@ namespace {
 
 constexpr std::size_t kMaximum = std::numeric_limits<std::uint32_t>::max();
 
-// One entry's key while sorting: its folded name and number with a NUL between them, and the first eight bytes of that
-// as a number, which decide most comparisons.
+// One entry's key while sorting: its folded name and number with a NUL between them, of which head holds eight bytes.
 struct SortKey {
   std::uint64_t head;
-  std::uint32_t begin, length, name_length, record;
+  std::uint32_t begin, length, name_length, row;
 };
 
-std::uint64_t head_of(char const *key, std::size_t length) {
-  unsigned char bytes[8] = {};
-  std::memcpy(bytes, key, std::min<std::size_t>(length, 8));
+constexpr std::size_t kHead = sizeof(std::uint64_t);
+
+// The bytes of the key from depth on, the first one weighing most; zeros behind its end.
+std::uint64_t head_at(char const *text, SortKey const &key, std::size_t depth) {
+  if (depth >= key.length) return 0;
+  unsigned char bytes[kHead] = {};
+  std::memcpy(bytes, text + key.begin + depth, std::min<std::size_t>(key.length - depth, kHead));
   std::uint64_t head = 0;
   for (unsigned char const byte : bytes) head = head << 8 | byte;
   return head;
+}
+
+using Keys = std::span<SortKey>;
+
+// Sorts keys that are alike up to depth and have their heads from there, the greatest first, equal ones by row: by head,
+// then each run of one head by the next eight bytes.
+void sort_keys(Keys keys, char const *text, std::size_t depth) {
+  std::sort(keys.begin(), keys.end(), [](SortKey const &left, SortKey const &right) {
+    return left.head != right.head ? left.head > right.head : left.row < right.row;
+  });
+  for (auto first = keys.begin(); first != keys.end();) {
+    auto last = first + 1;
+    while (last != keys.end() && last->head == first->head) ++last;
+    Keys const run(first, last);
+    first = last;
+    bool const more = run.size() > 1 && std::any_of(run.begin(), run.end(), [depth](SortKey const &key) {
+                        return key.length > depth + kHead;
+                      });
+    if (!more) continue;
+    for (SortKey &key : run) key.head = head_at(text, key, depth + kHead);
+    sort_keys(run, text, depth + kHead);
+  }
 }
 
 std::u16string_view until_zero(std::u16string_view text) {
@@ -46,7 +71,7 @@ void AddressBook::reserve(std::size_t entries) {
 
 void AddressBook::add(Record record, std::u16string_view name, std::u16string_view number, std::u16string_view company,
                       std::u16string_view note) {
-  std::u16string_view const texts[] = {until_zero(name), until_zero(number), until_zero(company), until_zero(note)};
+  std::u16string_view const texts[] = {name, number, company, note};
   std::uint16_t *const lengths[] = {&record.name, &record.number, &record.company, &record.note};
   std::size_t total = 0;
   for (std::size_t at = 0; at < 4; ++at) {
@@ -56,12 +81,13 @@ void AddressBook::add(Record record, std::u16string_view name, std::u16string_vi
   }
   if (text_.size() + total > kMaximum || records_.size() >= kMaximum) throw std::length_error("address book");
   record.text = static_cast<std::uint32_t>(text_.size());
+  record.member = !record.group && number != kGroupNumber;
   std::size_t const rows = records_.size();
   try {
-    for (std::u16string_view const text : texts) text_.insert(text_.end(), text.begin(), text.end());
+    for (std::u16string_view const text : texts) text_ += text;
     records_.push_back(record);
     order_.push_back(static_cast<RowNumber>(rows));
-    ids_.push_back(record.group || texts[1] == kGroupNumber ? kNoId : record.id);
+    ids_.push_back(record.member ? record.id : kNoId);
   } catch (...) {
     text_.resize(record.text);
     records_.resize(rows);
@@ -126,47 +152,48 @@ AddressEntry AddressBook::entry(RowNumber row) const {
 }
 
 void AddressBook::sort(CaseFold &fold) {
+  constexpr std::size_t kUsualKey = 32;
   std::string text;
-  text.reserve(records_.size() * 40);
+  text.reserve(records_.size() * kUsualKey);
   std::vector<SortKey> keys(records_.size());
   for (std::size_t row = 0; row < keys.size(); ++row) {
-    // In the order that is there: equal entries stay in it.
-    AddressEntry const one = entry(static_cast<RowNumber>(row));
-    SortKey &key = keys[row];
     if (text.size() > kMaximum / 2) throw std::length_error("address book");
-    key.record = order_[row];
+    Record const &record = records_[order_[row]];
+    std::u16string_view const name(text_.data() + record.text, record.name);
+    std::u16string_view const number(name.data() + name.size(), record.number);
+    SortKey &key = keys[row];
+    key.row = static_cast<std::uint32_t>(row);
     key.begin = static_cast<std::uint32_t>(text.size());
-    fold.append(text, one.name);
+    fold.append(text, name);
     key.name_length = static_cast<std::uint32_t>(text.size() - key.begin);
     text += '\0';
-    fold.append(text, one.number);
+    fold.append(text, number);
     key.length = static_cast<std::uint32_t>(text.size() - key.begin);
-    key.head = head_of(text.data() + key.begin, key.length);
+    key.head = head_at(text.data(), key, 0);
   }
-  char const *const base = text.data();
-  std::stable_sort(keys.begin(), keys.end(), [base](SortKey const &left, SortKey const &right) {
-    if (left.head != right.head) return left.head > right.head;
-    int const order = std::memcmp(base + left.begin, base + right.begin, std::min(left.length, right.length));
-    return order != 0 ? order > 0 : left.length > right.length;
-  });
+  sort_keys(keys, text.data(), 0);
 
+  std::size_t length = 0;
+  for (SortKey const &key : keys) length += key.name_length + 1;
   std::string names;
-  names.reserve(text.size());
+  names.reserve(length);
   std::vector<std::uint32_t> starts;
   starts.reserve(keys.size() + 1);
-  std::vector<std::int32_t> ids(keys.size());
-  for (std::size_t row = 0; row < keys.size(); ++row) {
+  std::vector<RowNumber> order;
+  order.reserve(keys.size());
+  for (SortKey const &key : keys) {
     starts.push_back(static_cast<std::uint32_t>(names.size()));
-    names.append(base + keys[row].begin, keys[row].name_length + 1);
-    order_[row] = keys[row].record;
-    AddressEntry const one = entry(static_cast<RowNumber>(row));
-    ids[row] = one.group_record || one.is_group() ? kNoId : one.id;
+    names.append(text, key.begin, key.name_length + 1);
+    order.push_back(order_[key.row]);
   }
   starts.push_back(static_cast<std::uint32_t>(names.size()));
-  names.shrink_to_fit();
+  for (std::size_t row = 0; row < order.size(); ++row) {
+    Record const &record = records_[order[row]];
+    ids_[row] = record.member ? record.id : kNoId;
+  }
   names_ = std::move(names);
   starts_ = std::move(starts);
-  ids_ = std::move(ids);
+  order_ = std::move(order);
 }
 
 std::vector<RowNumber> AddressBook::rows_named(std::u16string_view text, CaseFold &fold) const {

@@ -41,10 +41,11 @@ struct GroupMembers {
 
 class AddressBook {
  public:
+  // Room for so many entries with texts of usual length: adding them copies nothing twice.
   void reserve(std::size_t entries);
 
-  // The texts are copied up to their first U+0000. std::length_error when a text is longer than 65,535 units or the book
-  // would hold more than 2^32 units or entries; the book is as before then, as after std::bad_alloc.
+  // The texts are copied; U+0000 in them matches nothing. std::length_error when a text is longer than 65,535 units or
+  // the book would hold more than 2^32 units or entries; the book is as before then, as after std::bad_alloc.
   void add_individual(std::uint16_t id, std::u16string_view name, std::u16string_view number,
                       std::u16string_view company, std::u16string_view note);
   // Without company and note, as the printer's records are.
@@ -74,6 +75,7 @@ class AddressBook {
     std::uint16_t name = 0, number = 0, company = 0, note = 0;
     std::uint16_t id = 0;
     bool group = false, details = false;
+    bool member = false;  // may be a group's member: an individual, and its number does not say otherwise
   };
   struct Members {
     std::uint32_t record, begin, count;
@@ -85,7 +87,7 @@ class AddressBook {
   template <typename RowAt>
   GroupMembers members_of(std::span<std::uint16_t const> ids, std::size_t count, RowAt row_at) const;
 
-  std::vector<char16_t> text_;
+  std::u16string text_;
   std::vector<Record> records_;
   std::vector<Members> groups_;  // ascending by record
   std::vector<std::uint16_t> member_ids_;

@@ -1,6 +1,7 @@
 #include "addressbook/case_fold.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace fax {
 
@@ -49,18 +50,25 @@ CaseFold::Written const &CaseFold::ask(char16_t unit) {
 }
 
 void CaseFold::append(std::string &out, std::u16string_view text) {
+  std::array<char, 256> buffer;
+  constexpr std::size_t kRoom = sizeof(Written::bytes);
+  std::size_t used = 0;
   for (char16_t const unit : text) {
     auto const &page = pages_[unit / kPageSize];
     Written const *written = page == nullptr ? nullptr : &(*page)[unit % kPageSize];
     if (written == nullptr || written->length == 0) written = &ask(unit);
+    if (written->length == kLong || used + kRoom > buffer.size()) {
+      out.append(buffer.data(), used);
+      used = 0;
+    }
     if (written->length == kLong) {
       out += long_.find(unit)->second;
-    } else if (written->length == 1) {
-      out += written->bytes[0];
     } else {
-      out.append(written->bytes.data(), written->length);
+      std::memcpy(buffer.data() + used, written->bytes.data(), kRoom);
+      used += written->length;
     }
   }
+  out.append(buffer.data(), used);
 }
 
 std::string CaseFold::operator()(std::u16string_view text) {

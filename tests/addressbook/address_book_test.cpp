@@ -51,7 +51,7 @@ class AddressBookTest : public testing::Test {
 
 TEST_F(AddressBookTest, KeepsWhatTheRecordsSay) {
   char16_t field[] = u"Ann\0stale";
-  book.add_individual(65535, fax::field_text(field, 9), u"12", u"Works\0x", u"");
+  book.add_individual(65535, fax::field_text(field, 9), u"12", u"Works", u"");
   book.add_individual(0, u"Bob", u"Group");
   std::uint16_t const members[] = {3, 1, 3};
   book.add_group(u"All", members);
