@@ -3,7 +3,9 @@
 #include "loaded_stand_in.h"
 
 #include <filesystem>
+#include <objc/runtime.h>
 #include <set>
+#include <utility>
 
 @interface NSObject (AddressBookTest)
 - (void)lookupAddressBook:(id)sender;
@@ -50,6 +52,8 @@ class Copy : public testing::Environment {
     test::bundle_path() = bundle;
   }
   void TearDown() override { fs::remove_all(folder_); }
+
+  fs::path const &folder() const { return folder_; }
 
   void put_library() const {
     if (!fs::exists(library_)) fs::create_symlink(STAND_IN, library_);
@@ -291,6 +295,75 @@ TEST_F(AddressDialogTest, ARecordHoldsNameKeyNumberAndTime) {
   EXPECT_NEAR(static_cast<double>(record.registered), [[NSDate date] timeIntervalSince1970], 5);
   EXPECT_EQ(utf8([fax_ getIndexKey:@"abcdefghijklmnopqrstuvwxy"]), "abcdefghijklmnopqrst");
   EXPECT_EQ([fax_ getIndexKey:@""], nil);
+}
+
+// A process in a sandbox, and a user at the open panel.
+bool sandboxed = false;
+std::vector<std::string> chosen;  // empty: Cancel
+std::vector<std::string> panels;  // the folder that each panel began in
+
+BOOL is_sandboxed(id, SEL) { return sandboxed; }
+NSInteger run_panel(NSOpenPanel *panel, SEL) {
+  EXPECT_TRUE([panel canChooseFiles] && ![panel canChooseDirectories] && [panel allowsMultipleSelection]);
+  panels.push_back(utf8([[panel directoryURL] path]));
+  return chosen.empty() ? NSCancelButton : NSOKButton;
+}
+NSArray *urls_of(NSOpenPanel *, SEL) {
+  NSMutableArray *urls = [NSMutableArray array];
+  for (auto const &path : chosen) [urls addObject:[NSURL fileURLWithPath:test::ns(path)]];
+  return urls;
+}
+
+class SandboxTest : public AddressDialogTest {
+ protected:
+  SandboxTest() {
+    Class const utilities = object_getClass(test::class_named("UtilityService"));
+    replace(utilities, @selector(isSandboxed), &is_sandboxed);
+    replace([NSOpenPanel class], @selector(runModal), &run_panel);
+    replace([NSOpenPanel class], @selector(URLs), &urls_of);
+    sandboxed = true;
+    chosen.clear();
+    panels.clear();
+  }
+  ~SandboxTest() override {
+    for (auto const &[method, body] : replaced_) method_setImplementation(method, body);
+  }
+
+ private:
+  template <typename Body>
+  void replace(Class owner, SEL selector, Body *body) {
+    using Untyped = void (*)();
+    Method const method = class_getInstanceMethod(owner, selector);
+    IMP const stand_in = reinterpret_cast<IMP>(reinterpret_cast<Untyped>(body));
+    replaced_.emplace_back(method, method_setImplementation(method, stand_in));
+  }
+  std::vector<std::pair<Method, IMP>> replaced_;
+};
+
+TEST_F(SandboxTest, TheUserChoosesTheFiles) {
+  EXPECT_EQ(shown(files_), "");
+  EXPECT_TRUE([[fax_ valueForKey:@"isAddressFileAvailable"] boolValue]) << "until the user has chosen";
+
+  open(0);
+  EXPECT_TRUE(panels.empty()) << "the library's folder is none of a container";
+  EXPECT_EQ(told(), Alerts{kNoFile});
+
+  fs::path const home = copy_of_bundle->folder() / "home";
+  fs::create_directories(home / "Library/Fax/Books");
+  test::stand_in().folder = (home / "Containers/x/Data/Library/Fax/Books").u16string();
+  calls();
+  open(0);
+  EXPECT_EQ(panels, std::vector<std::string>{home / "Library/Fax/Books"});
+  EXPECT_EQ(calls(), "GetFileDirectory") << "cancelled";
+  EXPECT_TRUE(told().empty());
+
+  chosen = {"/home/ann/one.gad", "/home/ann/more/two.gad"};
+  open(0);
+  EXPECT_EQ(utf8([[files_ valueForKeyPath:@"arrangedObjects.name"] componentsJoinedByString:@" "]), "one.gad two.gad");
+  EXPECT_EQ([files_ selectionIndex], 0u);
+  EXPECT_EQ(calls(), "GetFileDirectory, Create, Read /home/ann/one.gad 0, Delete");
+  open(0);
+  EXPECT_EQ(panels.size(), 2u) << "there are files now";
 }
 
 TEST_F(AddressDialogTest, AFileIsShownFromZToAAndReadOnce) {
