@@ -10,7 +10,7 @@ namespace fax::tool {
 // One person or company. Texts are UTF-8, as they are spelled in the list, of any length; only number can be empty.
 struct Contact {
   std::string name, number, company, note;
-  std::vector<std::string> groups;  // names
+  std::vector<std::string> groups;  // names, possibly one twice
   std::size_t line = 0;             // where it begins in the list, from 1; 0: not from a list
 };
 

@@ -79,29 +79,29 @@ Numbers numbers_of(CsvRow const &row, Columns const &columns) {
 // Groups that a program made, not a person.
 bool is_system_group(std::string const &name) { return name == "* myContacts" || name == "* starred"; }
 
-void add_group(std::vector<std::string> &groups, std::string const &name) {
-  if (trimmed(name).empty() || is_system_group(name)) return;
-  if (std::find(groups.begin(), groups.end(), name) == groups.end()) groups.push_back(name);
-}
-
-void add_groups(std::vector<std::string> &groups, std::string_view cell) {
+std::vector<std::string> groups_in(std::string_view cell) {
+  std::vector<std::string> groups;
+  auto const add = [&](std::string const &name) {
+    if (!trimmed(name).empty() && !is_system_group(name)) groups.push_back(name);
+  };
   std::string_view const mark = cell.find(many_in_a_cell) != std::string_view::npos ? many_in_a_cell : ";";
   std::string name;
   for (std::size_t i = 0; i < cell.size(); ++i) {
     if (cell[i] == '\\' && i + 1 < cell.size() && escapable.find(cell[i + 1]) != std::string_view::npos) {
       name += cell[++i];
     } else if (cell.substr(i).starts_with(mark)) {
-      add_group(groups, name);
+      add(name);
       name.clear();
       i += mark.size() - 1;
     } else if (!name.empty() || cell[i] != ' ') {
       name += cell[i];
     }
   }
-  add_group(groups, name);
+  add(name);
+  return groups;
 }
 
-// The other way round: add_groups reads it as this one name.
+// The other way round: groups_in reads it as this one name.
 std::string group_in_cell(std::string_view name) {
   std::string text;
   for (char c : name) {
@@ -117,8 +117,7 @@ public:
   explicit Importer(CsvChoices const &choices) : choices_(choices) {}
 
   void row(CsvRow &row) {
-    if (!row.complete)
-      throw Failure("line " + std::to_string(row.line) + ": quotes open and never close; is the file cut off?");
+    if (row.fault != nullptr) throw Failure("line " + std::to_string(row.line) + ": " + row.fault);
     if (!columns_known_)
       learn_columns(row);
     else
@@ -158,7 +157,8 @@ private:
     contact.name = name_of(row, columns_);
     contact.company = first_of(row, columns_, Field::company);
     contact.note = first_of(row, columns_, Field::note);
-    for (std::string const &cell : cells_of(row, columns_, Field::groups)) add_groups(contact.groups, cell);
+    for (std::string const &cell : cells_of(row, columns_, Field::groups))
+      for (std::string &group : groups_in(cell)) contact.groups.push_back(std::move(group));
     numbers_of(row, columns_).choose(contact, choices_.fax_only, contacts_);
   }
 

@@ -11,6 +11,7 @@ namespace {
 
 constexpr std::string_view delimiters = ",;\t|:";
 constexpr std::size_t sample_rows = 50;
+constexpr std::size_t most_cells = 10000;
 constexpr int in_cell = 2;  // csv_parser::pstate before the closing quote
 
 class Reader {
@@ -23,17 +24,19 @@ public:
   Reader(Reader const &) = delete;
   Reader &operator=(Reader const &) = delete;
 
-  // Line by line, for the parser does not tell where it is.
+  // Line by line, for the parser does not tell where it is. So no more than one row ends in each call of it.
   void read(std::string_view text) {
     while (!text.empty() && wanted_) {
       ++line_;
       std::size_t const end = line_end(text);
-      parse(text.substr(0, end));
+      if (csv_parse(&parser_, text.data(), end, on_cell, on_row, this) != end) throw std::bad_alloc();
+      hand_over();
       text.remove_prefix(end);
     }
     if (!wanted_) return;
-    row_.complete = !within_quotes();
+    if (within_quotes()) row_.fault = "quotes open and never close; is the file cut off?";
     if (csv_fini(&parser_, on_cell, on_row, this) != 0) throw std::bad_alloc();
+    hand_over();
   }
 
 private:
@@ -43,8 +46,13 @@ private:
     return text.substr(end).starts_with("\r\n") ? end + 2 : end + 1;
   }
 
-  void parse(std::string_view line) {
-    if (csv_parse(&parser_, line.data(), line.size(), on_cell, on_row, this) != line.size()) throw std::bad_alloc();
+  void hand_over() {
+    if (no_memory_) throw std::bad_alloc();
+    if (ended_) {
+      wanted_ = visit_(row_);
+      row_ = {};
+      ended_ = false;
+    }
     // Nothing is open: the next line begins a row.
     if (row_.cells.empty() && !within_quotes()) row_.line = line_ + 1;
   }
@@ -52,21 +60,27 @@ private:
   // After a whole line the parser is in the middle of a cell only if that one is quoted.
   bool within_quotes() const { return parser_.quoted != 0 && parser_.pstate == in_cell; }
 
-  static void on_cell(void *cell, std::size_t size, void *self) {
-    static_cast<Reader *>(self)->row_.cells.emplace_back(static_cast<char const *>(cell), size);
+  // The parser is C: nothing is thrown through it.
+  static void on_cell(void *cell, std::size_t size, void *self) noexcept {
+    auto *reader = static_cast<Reader *>(self);
+    if (reader->row_.cells.size() == most_cells) {
+      reader->row_.fault = "more than 10000 cells; is the delimiter right?";
+      return;
+    }
+    try {
+      reader->row_.cells.emplace_back(static_cast<char const *>(cell), size);
+    } catch (std::bad_alloc const &) {
+      reader->no_memory_ = true;
+    }
   }
 
-  static void on_row(int, void *self) {
-    auto *reader = static_cast<Reader *>(self);
-    if (reader->wanted_) reader->wanted_ = reader->visit_(reader->row_);
-    reader->row_ = CsvRow{{}, reader->line_ + 1, true};
-  }
+  static void on_row(int, void *self) noexcept { static_cast<Reader *>(self)->ended_ = true; }
 
   std::function<bool(CsvRow &)> const &visit_;
   csv_parser parser_{};
-  CsvRow row_{{}, 1, true};
+  CsvRow row_{{}, 1, nullptr};
   std::size_t line_ = 0;
-  bool wanted_ = true;
+  bool wanted_ = true, ended_ = false, no_memory_ = false;
 };
 
 // Better is greater.

@@ -11,8 +11,8 @@ namespace fax::tool {
 
 struct CsvRow {
   std::vector<std::string> cells;
-  std::size_t line = 0;     // where it begins, from 1
-  bool complete = true;     // false: the text ended within quotes
+  std::size_t line = 0;         // where it begins, from 1
+  char const *fault = nullptr;  // why it is no row, for a person: quotes that never end, more cells than a table has
 };
 
 // Calls visit with each row in turn while it answers true; blank lines are none. White space around a cell outside quotes

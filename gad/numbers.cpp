@@ -9,6 +9,8 @@
 namespace fax::tool {
 namespace {
 
+constexpr std::size_t others_shown = 5;
+
 bool is_fax(Rank rank) { return rank <= Rank::fax_other; }
 
 }  // namespace
@@ -34,8 +36,13 @@ void Numbers::choose(Contact &contact, bool fax_only, Contacts &contacts) {
     contacts.remark(contact.line, who + ": no fax number; the telephone number " + in_quotes(taken.text) + " is taken");
   }
   std::string others;
-  for (std::size_t i = 1; i < numbers_.size() && is_fax(numbers_[i].rank); ++i)
+  for (std::size_t i = 1; i < numbers_.size() && is_fax(numbers_[i].rank); ++i) {
+    if (i > others_shown) {
+      others += " and others";
+      break;
+    }
     others += (others.empty() ? "" : ", ") + in_quotes(numbers_[i].text);
+  }
   if (!others.empty())
     contacts.remark(contact.line, who + ": the fax number " + in_quotes(taken.text) + " is taken, not " + others);
   contact.number = taken.text;

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -31,7 +32,10 @@ struct Property {
   bool has_type(std::string_view type) const;
 };
 
-// Empty for a text that is no card.
+// Why a card cannot be read, for a person: null characters, more parts than any card has; none when it can.
+std::optional<std::string> fault_of(CardText const &card);
+
+// Of a card without fault; empty for a text that is none.
 std::vector<Property> parse_card(CardText const &card);
 
 }  // namespace fax::tool

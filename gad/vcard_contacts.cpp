@@ -110,7 +110,7 @@ public:
   explicit Importer(bool fax_only) : fax_only_(fax_only) {}
 
   void card(CardText const &text) {
-    if (text.text.find('\0') != std::string::npos) return contacts_.skip(text.line, "a card that holds null characters");
+    if (auto const fault = fault_of(text)) return contacts_.skip(text.line, "a card: " + *fault);
     Card card = read_card(text);
     if (card.group) {
       if (!card.uid.empty()) group_uids_.insert(card.uid);

@@ -70,7 +70,8 @@ TEST(Import, ReadsWhatProgramsAndPeopleWrite) {
       {"lower case and tabs", "begin:vcard\nversion:3.0\nfn:An\n\tna\ntel;type=fax:1\nend:vcard\n", {}, 0, "1\tAnna\t1\t\t\t\n", ""},
       {"a byte order mark", "\xEF\xBB\xBF" + card("FN:A\r\nTEL:1\r\n"), {}, 0, "1\tA\t1\t\t\t\n", ""},
       {"a null in a card", card(std::string("FN:A\0B\r\nTEL:1\r\n", 15)) + card("FN:C\r\nTEL:2\r\n"), {}, 3, "1\tC\t2\t\t\t\n",
-       "list:1: skipped: a card that holds null"},
+       "list:1: skipped: a card: it holds null"},
+      {"a card of a million parts", card("N:" + std::string(1 << 20, ';') + "\r\nTEL:1\r\n"), {}, 3, "", "more parts than any card"},
       {"quotes and equals signs that never end", card("FN;X=\"a:b\r\nTEL;=;;:\r\nTEL;TYPE=fax:1\r\nNOTE;ENCODING=QUOTED-PRINTABLE:a=\r\n"), {}, 3, "",
        "a contact without a name: the name is empty"},
   };
@@ -102,6 +103,7 @@ TEST(Import, OfWhatIsNoListChangesNothing) {
       {content_of(GAD), "no text file", {}},
       {std::string(100000, '\0'), "no text file", {}},
       {std::string(4 << 20, 'x'), "no column is known", {}},
+      {good + std::string(4 << 20, ','), "line 3: more than 10000 cells", {}},
       {card("FN:A\r\nNOTE:" + std::string(17 << 20, 'x') + "\r\nTEL:1\r\n"), "larger than 16 MiB", {}},
       {good + "J\xF6rg,2\n", "line 3 is not valid utf-8", {"--encoding", "utf-8"}},
       {good, "encoding \"klingon\" is not known", {"--encoding", "klingon"}},
