@@ -1,15 +1,17 @@
-// Address lists at scale: from the file to the drawn table, a key in the search field, a group, the memory.
-#import "bench/table_window.h"
+// The address-book dialog at scale: from the file to the drawn table, a key in the search field, a group, the memory.
+#import "bench/book_dialog.h"
 
 #include "bench/generated_book.h"
 #include "bench/report.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <numeric>
 #include <random>
-#include <sqlite3.h>
+#include <stdexcept>
 #include <unistd.h>
 
 namespace {
@@ -17,7 +19,8 @@ namespace {
 using namespace fax::bench;
 
 constexpr int kRounds = 9;
-char const *const kKeys[] = {"s", "sc", "sch", "schm", "schmi", "schmid", "schmidt", "schmid", "e", "ü", "qq", ""};
+constexpr unichar kBack = 0x7F;
+constexpr unichar kKeys[] = {'s', 'c', 'h', 'm', 'i', 'd', 't', kBack, kBack, kBack, kBack, kBack, kBack, kBack, 'e', kBack};
 
 double resident_mebibytes() {
   std::ifstream file("/proc/self/statm");
@@ -26,49 +29,42 @@ double resident_mebibytes() {
   return static_cast<double>(resident) * static_cast<double>(sysconf(_SC_PAGESIZE)) / (1024.0 * 1024.0);
 }
 
-fax::AddressBook read_book(std::string const &path) {
-  fax::AddressBook book;
-  sqlite3 *database = nullptr;
-  sqlite3_stmt *rows = nullptr;
-  sqlite3_open_v2(path.c_str(), &database, SQLITE_OPEN_READONLY, nullptr);
-  sqlite3_prepare_v2(database, "select id, name, number, company, note from individuals", -1, &rows, nullptr);
-  while (sqlite3_step(rows) == SQLITE_ROW) {
-    std::u16string_view text[4];
-    for (int at = 0; at < 4; ++at) {
-      auto const *units = static_cast<char16_t const *>(sqlite3_column_text16(rows, at + 1));
-      text[at] = {units, static_cast<std::size_t>(sqlite3_column_bytes16(rows, at + 1)) / 2};
-    }
-    book.add_individual(static_cast<std::uint16_t>(sqlite3_column_int(rows, 0)), text[0], text[1], text[2], text[3]);
-  }
-  sqlite3_finalize(rows);
-  sqlite3_close(database);
-  return book;
-}
-
 class Bench {
  public:
-  Bench(unsigned seed, std::string folder) : seed_(seed), folder_(std::move(folder)) {}
+  Bench(unsigned seed, std::string folder) : seed_(seed), folder_(std::move(folder)), dialog_(open_book_dialog(folder_)) {}
 
   void run(std::size_t entries) {
     std::string const path = folder_ + "/" + std::to_string(entries) + ".gad";
-    write_book(path, invented_people(entries, seed_));
-    memory(entries, path);
+    write_book(path, entries, seed_);
+    choose_file(dialog_, path);
+    memory(entries);
     reading(entries, path);
     searching(entries);
     expanding(entries);
-    [ui_.list showRows:nil];
-    draw(ui_.window);
+    [dialog_.entries setContent:[NSMutableArray array]];
+    draw(dialog_.window);
   }
   Report const &report() const { return report_; }
 
  private:
-  void memory(std::size_t entries, std::string const &path) {
+  void read() {
+    [dialog_.controller initPCAdressBookTab];
+  }
+  std::size_t shown() { return [[dialog_.entries arrangedObjects] count]; }
+  void expect(std::size_t entries) {
+    if (shown() != entries) throw std::runtime_error("shows " + std::to_string(shown()) + " entries");
+  }
+
+  void memory(std::size_t entries) {
     double const empty = resident_mebibytes();
-    NSAutoreleasePool *pool = [NSAutoreleasePool new];
-    [ui_.list showRows:[AddressRows rowsOfBook:read_book(path)]];
-    draw(ui_.window);
-    [pool release];
-    report_.add({"Memory of the loaded list", entries, resident_mebibytes() - empty, "MiB", 64.0});
+    {
+      NSAutoreleasePool *pool = [NSAutoreleasePool new];
+      read();
+      draw(dialog_.window);
+      [pool release];
+    }
+    expect(entries);
+    report_.add({"Memory of the loaded dialog", entries, resident_mebibytes() - empty, "MiB", 64.0});
   }
 
   void reading(std::size_t entries, std::string const &path) {
@@ -76,65 +72,66 @@ class Bench {
     for (int round = 0; round < kRounds; ++round) {
       NSAutoreleasePool *pool = [NSAutoreleasePool new];
       steps.push_back(milliseconds([&] { step_through(path); }));
-      shown.push_back(milliseconds([&] { [ui_.list showRows:[AddressRows rowsOfBook:read_book(path)]]; }));
-      drawn.push_back(shown.back() + milliseconds([&] { draw(ui_.window); }));
+      shown.push_back(milliseconds([&] { read(); }));
+      drawn.push_back(shown.back() + milliseconds([&] { draw(dialog_.window); }));
       [pool release];
     }
+    expect(entries);
     double const step = median(steps);
     report_.add({"Bare step loop over the file", entries, step, "ms", {}});
+    report_.add({"File to sorted list", entries, median(shown), "ms", {}});
     report_.add({"File to sorted list, times the step loop", entries, median(shown) / step, "x", 3.0});
     report_.add({"File to drawn table", entries, median(drawn), "ms", entries <= 10000 ? 100.0 : 500.0});
   }
 
+  // Types a name letter by letter and takes it back.
   void searching(std::size_t entries) {
-    rows_ = [[AddressRows rowsOfBook:read_book(folder_ + "/" + std::to_string(entries) + ".gad")] retain];
-    std::vector<double> all;
-    std::vector<double> worst_of_rounds;
+    std::vector<double> all, worst;
+    std::size_t fewest = entries;
     for (int round = 0; round < kRounds; ++round) {
-      double worst = 0;
-      for (char const *key : kKeys) {
+      [dialog_.window makeFirstResponder:dialog_.search];
+      worst.push_back(0);
+      for (unichar const key : kKeys) {
         NSAutoreleasePool *pool = [NSAutoreleasePool new];
-        NSString *text = [NSString stringWithUTF8String:key];
-        double const took = milliseconds([&] {
-          [ui_.search setStringValue:text];
-          [ui_.list showRows:[rows_ rowsNamed:[ui_.search stringValue]]];
-          draw(ui_.window);
-        });
-        all.push_back(took);
-        worst = std::max(worst, took);
+        all.push_back(milliseconds([&] {
+          press(dialog_, key);
+          draw(dialog_.window);
+        }));
+        worst.back() = std::max(worst.back(), all.back());
+        fewest = std::min(fewest, this->shown());
         [pool release];
       }
-      worst_of_rounds.push_back(worst);
+      expect(entries);
     }
+    if (fewest == entries) throw std::runtime_error("the search field does not search");
     double const limit = entries <= 10000 ? 16.0 : 33.0;
     report_.add({"Key in the search field to drawn table", entries, median(all), "ms", limit});
-    report_.add({"Worst key of a round", entries, median(worst_of_rounds), "ms", limit});
-    [ui_.list showRows:rows_];
+    report_.add({"The slowest key of a round", entries, median(worst), "ms", limit});
   }
 
   void expanding(std::size_t entries) {
-    std::mt19937 random(seed_);
-    NSMutableArray *ids = [NSMutableArray array];
-    for (int at = 0; at < 1000; ++at) {
-      [ids addObject:[NSNumber numberWithUnsignedShort:static_cast<unsigned short>(1 + random() % std::min<std::size_t>(
-                                                                                            entries, 65535))]];
-    }
-    NSDictionary *group = [NSDictionary dictionaryWithObject:ids forKey:@"userIDList"];
+    std::vector<unsigned short> ids(std::min<std::size_t>(entries, 65535));
+    std::iota(ids.begin(), ids.end(), static_cast<unsigned short>(1));
+    std::shuffle(ids.begin(), ids.end(), std::mt19937(seed_));
+    ids.resize(std::min<std::size_t>(ids.size(), 1000));
+    NSMutableArray *members = [NSMutableArray array];
+    for (unsigned short const member : ids) [members addObject:[NSNumber numberWithUnsignedShort:member]];
+    NSDictionary *group = [NSDictionary dictionaryWithObject:members forKey:@"userIDList"];
     std::vector<double> took;
     for (int round = 0; round < kRounds; ++round) {
       NSAutoreleasePool *pool = [NSAutoreleasePool new];
-      BOOL complete = NO;
-      took.push_back(milliseconds([&] { fax::members_of_group(group, ui_.list, &complete); }));
+      NSArray *found = nil;
+      took.push_back(
+          milliseconds([&] { found = [dialog_.controller getAddressListFrom:group ofAddressBook:dialog_.entries]; }));
+      if ([found count] != ids.size()) throw std::runtime_error("members are missing");
       [pool release];
     }
     report_.add({"Group of 1,000 members", entries, median(took), "ms", 2.0});
-    [rows_ release];
   }
 
   unsigned seed_;
   std::string folder_;
-  TableWindow ui_ = open_table_window();
-  AddressRows *rows_ = nil;
+  BookDialog dialog_;
   Report report_;
 };
 

@@ -1,0 +1,37 @@
+// The address-book dialog of the bundle as it was built, on the screen, with the library as it was built.
+#pragma once
+#import <AppKit/AppKit.h>
+
+#include <string>
+
+// What the bench sends to the dialog's controller.
+@interface NSObject (BookDialog)
+- (void)initPCAdressBookTab;
+- (NSArray *)getAddressListFrom:(NSDictionary *)group ofAddressBook:(NSArrayController *)list;
+@end
+
+namespace fax::bench {
+
+// Its objects live as long as the program.
+struct BookDialog {
+  id controller;
+  NSArrayController *files;
+  NSArrayController *entries;
+  NSTableView *table;
+  NSTextField *search;
+  NSWindow *window;
+};
+
+// The bundle is put together in folder, with the library inside. std::runtime_error when it does not load.
+BookDialog open_book_dialog(std::string const &folder);
+
+// The file that the dialog reads next.
+void choose_file(BookDialog const &dialog, std::string const &path);
+
+// A key as the window gets it, for the search field.
+void press(BookDialog const &dialog, unichar character);
+
+// Draws what waits to be drawn and returns when the X server has done it.
+void draw(NSWindow *window);
+
+}  // namespace fax::bench

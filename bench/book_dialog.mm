@@ -1,0 +1,112 @@
+#import "bench/book_dialog.h"
+
+#import <GNUstepGUI/GSDisplayServer.h>
+#include <X11/Xlib.h>
+
+#include <filesystem>
+#include <stdexcept>
+
+@interface NSBundle (BookDialogNib)
+- (BOOL)loadNibNamed:(NSString *)name owner:(id)owner topLevelObjects:(NSArray **)objects;
+@end
+
+@interface BookDialogOwner : NSObject {
+ @public
+  id detailedFaxSettingContoller;
+}
+@end
+
+@implementation BookDialogOwner
+@end
+
+namespace fax::bench {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+NSBundle *load_bundle(fs::path const &folder) {
+  fs::path const bundle = folder / "DirectFax.bundle";
+  fs::copy(BUNDLE_PATH, bundle, fs::copy_options::recursive | fs::copy_options::copy_symlinks);
+  fs::path const library = bundle / "Frameworks/QUOLTANIS.framework/Versions/A/QUOLTANIS";
+  if (!fs::exists(library)) {
+    fs::create_directories(library.parent_path());
+    fs::create_symlink(LIBRARY_PATH, library);
+  }
+  NSBundle *loaded = [NSBundle bundleWithPath:[NSString stringWithUTF8String:bundle.c_str()]];
+  if (![loaded load]) throw std::runtime_error("the bundle does not load");
+  return loaded;
+}
+
+NSSearchField *search_field(NSView *view) {
+  if ([view isKindOfClass:[NSSearchField class]]) return static_cast<NSSearchField *>(view);
+  NSArray *parts = [view subviews];
+  for (NSUInteger at = 0; at < [parts count]; ++at) {
+    if (NSSearchField *found = search_field([parts objectAtIndex:at])) return found;
+  }
+  return nil;
+}
+
+// The window manager still places the window.
+void settle() {
+  NSDate *end = [NSDate dateWithTimeIntervalSinceNow:0.5];
+  while ([end timeIntervalSinceNow] > 0) {
+    NSEvent *event = [NSApp nextEventMatchingMask:NSAnyEventMask
+                                        untilDate:[NSDate dateWithTimeIntervalSinceNow:0.02]
+                                           inMode:NSDefaultRunLoopMode
+                                          dequeue:YES];
+    if (event != nil) [NSApp sendEvent:event];
+  }
+}
+
+}  // namespace
+
+BookDialog open_book_dialog(std::string const &folder) {
+  BookDialogOwner *owner = [[BookDialogOwner alloc] init];
+  NSArray *objects = nil;
+  if (![load_bundle(folder) loadNibNamed:@"FaxSetting" owner:owner topLevelObjects:&objects]) {
+    throw std::runtime_error("the dialog's document does not load");
+  }
+  [objects retain];
+  BookDialog dialog;
+  dialog.controller = [owner->detailedFaxSettingContoller valueForKey:@"addressBookController"];
+  dialog.files = [dialog.controller valueForKey:@"addressFileList"];
+  dialog.entries = [dialog.controller valueForKey:@"pcAddressList"];
+  dialog.table = [dialog.controller valueForKey:@"pcAddressTableView"];
+  dialog.window = [dialog.controller valueForKey:@"addressBookSettingPanel"];
+  dialog.search = search_field([dialog.window contentView]);
+  if (dialog.table == nil || dialog.search == nil) throw std::runtime_error("the dialog lacks its table");
+  [dialog.window makeKeyAndOrderFront:nil];
+  settle();
+  draw(dialog.window);
+  return dialog;
+}
+
+void choose_file(BookDialog const &dialog, std::string const &path) {
+  NSString *file = [NSString stringWithUTF8String:path.c_str()];
+  NSDictionary *entry = [NSDictionary dictionaryWithObjectsAndKeys:[file lastPathComponent], @"name", file, @"path", nil];
+  [dialog.files setContent:[NSMutableArray arrayWithObject:entry]];
+  [dialog.files setSelectionIndex:0];
+}
+
+void press(BookDialog const &dialog, unichar character) {
+  NSString *text = [NSString stringWithCharacters:&character length:1];
+  [dialog.window sendEvent:[NSEvent keyEventWithType:NSKeyDown
+                                            location:NSZeroPoint
+                                       modifierFlags:0
+                                           timestamp:0
+                                        windowNumber:[dialog.window windowNumber]
+                                             context:[dialog.window graphicsContext]
+                                          characters:text
+                         charactersIgnoringModifiers:text
+                                           isARepeat:NO
+                                             keyCode:0]];
+}
+
+void draw(NSWindow *window) {
+  [window displayIfNeeded];
+  [window flushWindow];
+  XSync(static_cast<Display *>([GSCurrentServer() serverDevice]), False);
+}
+
+}  // namespace fax::bench
