@@ -3,6 +3,8 @@
 #import "addressbook/address_entries.h"
 #import "addressbook/AddressBookView.h"
 #import "addressbook/AddressInformation.h"
+#import "addressbook/AddressListController.h"
+#import "addressbook/AddressRows.h"
 #include "addressbook/destination_rules.h"
 #include "addressbook/device_version.h"
 #include "addressbook/library.h"
@@ -17,25 +19,17 @@ void keep(NSString **slot, NSString *text) {
   *slot = text;
 }
 
-NSArray *name_and_number_from_z_to_a() {
-  SEL const without_case = @selector(caseInsensitiveCompare:);
-  NSSortDescriptor *name = [[NSSortDescriptor alloc] initWithKey:@"name" ascending:NO selector:without_case];
-  NSSortDescriptor *number = [[NSSortDescriptor alloc] initWithKey:@"phoneNumber" ascending:NO selector:without_case];
-  NSArray *both = [NSArray arrayWithObjects:name, number, nil];
-  [name release];
-  [number release];
-  return both;
+void keep_array(NSArray **slot, NSArray *array) {
+  [array retain];
+  [*slot release];
+  *slot = array;
 }
 
-void show_entries(NSArrayController *list, NSArray *entries) {
-  [list setContent:[NSMutableArray arrayWithArray:entries]];
-}
-
-// The arranged entries, as a new list of all that was read.
-void remember_entries(NSMutableArray **originals, NSArrayController *list) {
-  NSMutableArray *entries = [[NSMutableArray alloc] initWithArray:[list arrangedObjects]];
-  [*originals release];
-  *originals = entries;
+// What the list now shows in place of what it held, in its order; nil, with an empty list, when there is no memory for it.
+NSArray *show_book(NSArrayController *list, fax::AddressBook &&book) {
+  NSArray *rows = [AddressRows rowsOfBook:std::move(book)];
+  fax::show_entries(list, rows);
+  return rows;
 }
 
 id first_selected(NSArrayController *list) {
@@ -70,7 +64,7 @@ NSString *complaint(NSString *reader, fax::ReadEnd end) {
   [addressArrayController retain];
   [pcAddressList retain];
   [deviceAddressList retain];
-  NSArray *order = name_and_number_from_z_to_a();
+  NSArray *order = [AddressRows sortDescriptors];
   [pcAddressList setSortDescriptors:order];
   [deviceAddressList setSortDescriptors:order];
   [groupMemberList setSortDescriptors:order];
@@ -140,23 +134,23 @@ NSString *complaint(NSString *reader, fax::ReadEnd end) {
 }
 
 - (BOOL)canAddPCAddressData {
-  return [[pcAddressList selectedObjects] count] > 0;
+  return [[pcAddressList selectionIndexes] count] > 0;
 }
 
 - (BOOL)canShowPCAddressProperty {
-  return [[pcAddressList selectedObjects] count] == 1;
+  return [[pcAddressList selectionIndexes] count] == 1;
 }
 
 - (BOOL)canAddDeviceAddressData {
-  return [[deviceAddressList selectedObjects] count] > 0;
+  return [[deviceAddressList selectionIndexes] count] > 0;
 }
 
 - (BOOL)canShowDeviceAddressProperty {
-  return [[deviceAddressList selectedObjects] count] == 1;
+  return [[deviceAddressList selectionIndexes] count] == 1;
 }
 
 - (BOOL)canRemoveDestinationAddress {
-  return [[addressArrayController selectedObjects] count] > 0;
+  return [[addressArrayController selectionIndexes] count] > 0;
 }
 
 - (AddressBookView *)view {
@@ -172,12 +166,9 @@ NSString *complaint(NSString *reader, fax::ReadEnd end) {
 
 - (void)createDialogWithTabSelection:(int)index {
   if (addressBookSettingPanel == nil) return;
-  [oldAddresses release];
-  oldAddresses = [[NSArray alloc] initWithArray:[addressArrayController arrangedObjects]];
-  [originalPCAddressList release];
-  originalPCAddressList = [[NSMutableArray alloc] init];
-  [originalDeviceAddressList release];
-  originalDeviceAddressList = [[NSMutableArray alloc] init];
+  keep_array(&oldAddresses, [NSArray arrayWithArray:[addressArrayController arrangedObjects]]);
+  keep_array(&originalPCAddressList, [NSArray array]);
+  keep_array(&originalDeviceAddressList, [NSArray array]);
 
   AddressBookView *view = [self view];
   [view setBundle:bundle];
@@ -204,12 +195,9 @@ NSString *complaint(NSString *reader, fax::ReadEnd end) {
 }
 
 - (void)closeDialog {
-  [oldAddresses release];
-  oldAddresses = nil;
-  [originalPCAddressList release];
-  originalPCAddressList = nil;
-  [originalDeviceAddressList release];
-  originalDeviceAddressList = nil;
+  keep_array(&oldAddresses, nil);
+  keep_array(&originalPCAddressList, nil);
+  keep_array(&originalDeviceAddressList, nil);
   [addressBookSettingPanel orderOut:self];
   [NSApp stopModal];
 }
@@ -235,41 +223,42 @@ NSString *complaint(NSString *reader, fax::ReadEnd end) {
 }
 
 - (void)initPCAdressBookTab {
-  show_entries(pcAddressList, [NSArray array]);
+  fax::show_entries(pcAddressList, [NSArray array]);
   [self setValue:@"" forKey:@"pcAddressSearchField"];
   if ([[addressFileList arrangedObjects] count] == 0) {
     fax::run_alert(bundle, @"Address Book file is none", nil, {@"OK"});
     return;
   }
-  id file = first_selected(addressFileList);
-  if (file == nil) return;
+  NSString *path = [first_selected(addressFileList) valueForKey:@"path"];
+  if (path == nil) return;
 
   fax::Library &library = fax::Library::shared();
   fax::AddressData const data = library.create_data();
   if (data == nullptr) return;
-  if (library.read_file((CFStringRef)[file valueForKey:@"path"], data) == fax::kSuccess) {
-    NSMutableArray *entries = [NSMutableArray array];
-    fax::ReadEnd const end = fax::read_file_entries(library, data, fax::collect_file_entries(entries));
-    show_entries(pcAddressList, entries);
+  NSArray *read = [NSArray array];
+  if (library.read_file((CFStringRef)path, data) == fax::kSuccess) {
+    fax::AddressBook book;
+    fax::ReadEnd const end = fax::read_file_entries(library, data, fax::file_entries_into(book));
+    read = show_book(pcAddressList, std::move(book));
     if (NSString *message = complaint(@"initPCAdressBookTab", end)) {
       NSLog(@"%@", message);
       return;
     }
   }
   library.delete_data(data);
-  remember_entries(&originalPCAddressList, pcAddressList);
+  keep_array(&originalPCAddressList, read);
 }
 
 - (void)takeDeviceData:(fax::AddressData)data {
   fax::Library &library = fax::Library::shared();
-  NSMutableArray *entries = [NSMutableArray array];
-  fax::ReadEnd const end = fax::read_device_entries(library, data, fax::collect_device_entries(entries));
-  show_entries(deviceAddressList, entries);
+  fax::AddressBook book;
+  fax::ReadEnd const end = fax::read_device_entries(library, data, fax::device_entries_into(book));
+  NSArray *read = show_book(deviceAddressList, std::move(book));
   if (NSString *message = complaint(@"initDeviceAddressTab", end)) {
     NSLog(@"%@", message);
     return;
   }
-  remember_entries(&originalDeviceAddressList, deviceAddressList);
+  keep_array(&originalDeviceAddressList, read);
   library.delete_data(data);
 }
 
@@ -297,7 +286,7 @@ NSString *complaint(NSString *reader, fax::ReadEnd end) {
 }
 
 - (void)initDeviceAddressTab {
-  show_entries(deviceAddressList, [NSArray array]);
+  fax::show_entries(deviceAddressList, [NSArray array]);
   [self setValue:@"" forKey:@"deviceAddressSearchField"];
   fax::Status const status = [self readDevice];
   if (status == fax::kSuccess) return;
@@ -306,17 +295,18 @@ NSString *complaint(NSString *reader, fax::ReadEnd end) {
 }
 
 - (IBAction)sortPCAddressData:(id)sender {
-  show_entries(pcAddressList, fax::matching_entries(originalPCAddressList, [sender stringValue]));
+  fax::show_entries(pcAddressList, fax::matching_entries(originalPCAddressList, [sender stringValue]));
 }
 
 - (IBAction)sortDeviceAddressData:(id)sender {
-  show_entries(deviceAddressList, fax::matching_entries(originalDeviceAddressList, [sender stringValue]));
+  fax::show_entries(deviceAddressList, fax::matching_entries(originalDeviceAddressList, [sender stringValue]));
 }
 
 - (NSArray *)getAddressListFrom:(id)group ofAddressBook:(NSArrayController *)list {
-  fax::Expansion const expansion = fax::expand_group(group, [list arrangedObjects]);
-  if (!expansion.complete) NSLog(@"Error. Some addresses not found in the address book.");
-  return expansion.members;
+  BOOL complete = YES;
+  NSArray *members = fax::members_of_group(group, list, &complete);
+  if (!complete) NSLog(@"Error. Some addresses not found in the address book.");
+  return members;
 }
 
 - (void)showPropertyOf:(id)entry ofAddressBook:(NSArrayController *)list {
@@ -361,7 +351,7 @@ NSString *complaint(NSString *reader, fax::ReadEnd end) {
     [members addObject:[NSMutableDictionary dictionaryWithObjectsAndKeys:[entry valueForKey:@"name"], @"name",
                                                                          [entry valueForKey:@"phoneNumber"],
                                                                          @"phoneNumber", nil]];
-  show_entries(groupMemberList, members);
+  fax::show_entries(groupMemberList, members);
 }
 
 - (void)closePanel:(NSWindow *)panel {
