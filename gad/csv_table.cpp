@@ -11,6 +11,7 @@ namespace {
 
 constexpr std::string_view delimiters = ",;\t|:";
 constexpr std::size_t sample_rows = 50;
+constexpr std::size_t growth = 256 << 10;  // of a cell's buffer, which may be copied each time
 constexpr std::size_t most_cells = 10000;
 constexpr int in_cell = 2;  // csv_parser::pstate before the closing quote
 
@@ -19,6 +20,7 @@ public:
   Reader(char delimiter, std::function<bool(CsvRow &)> const &visit) : visit_(visit) {
     if (csv_init(&parser_, 0) != 0) throw std::bad_alloc();
     csv_set_delim(&parser_, static_cast<unsigned char>(delimiter));
+    csv_set_blk_size(&parser_, growth);
   }
   ~Reader() { csv_free(&parser_); }
   Reader(Reader const &) = delete;
