@@ -57,9 +57,9 @@ BookContents read_book(std::string const &path) {
   std::unordered_map<std::uint32_t, std::size_t> places;
   auto const individual = [&](gad::IndividualView const &view) {
     places.emplace(view.id, book.entries.size());
-    book.entries.push_back({view.id,
-                            {std::string(view.name), std::string(view.number), std::string(view.company),
-                             std::string(view.note), {}, 0}});
+    book.entries.push_back(
+        {view.id,
+         {std::string(view.name), std::string(view.number), std::string(view.company), std::string(view.note), {}, 0}});
     return true;
   };
   auto const group = [&](gad::GroupView const &view) {
@@ -93,7 +93,8 @@ BookEntry const &entry_named(BookContents const &book, std::string const &word) 
 BookGroup const &group_named(BookContents const &book, std::string const &name) {
   auto const found =
       std::find_if(book.groups.begin(), book.groups.end(), [&](BookGroup const &group) { return group.name == name; });
-  if (found == book.groups.end()) throw Failure("there is no group " + in_quotes(name) + "; 'gad group FILE' shows them");
+  if (found == book.groups.end())
+    throw Failure("there is no group " + in_quotes(name) + "; 'gad group FILE' shows them");
   return *found;
 }
 

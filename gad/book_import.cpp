@@ -33,8 +33,8 @@ private:
     std::string const who = called(contact);
     if (auto const fault = fault_of(contact)) return contacts_.skip(contact.line, who + ": " + *fault);
     std::uint32_t id = 0;
-    Status const status = change_.add(
-        {0, contact.name, contact.number, contact.company, contact.note, registered_, std::string()}, &id);
+    Status const status =
+        change_.add({0, contact.name, contact.number, contact.company, contact.note, registered_, std::string()}, &id);
     if (status == Status::present) {
       ++result_.present;
       contacts_.remark(contact.line, who + ": the book has this name with this number already", Weight::detail);
@@ -43,8 +43,9 @@ private:
       require(status, path_);
       ++result_.added;
       if (std::string const refused = refused_characters(contact.number); !refused.empty())
-        contacts_.remark(contact.line, who + ": the number " + in_quotes(contact.number) + " is kept as it is, but holds " +
-                                           refused + ", which cannot be typed in the fax dialog");
+        contacts_.remark(contact.line, who + ": the number " + in_quotes(contact.number) +
+                                           " is kept as it is, but holds " + refused +
+                                           ", which cannot be typed in the fax dialog");
     }
     for (std::string const &group : contact.groups) join(contact, id, group);
   }

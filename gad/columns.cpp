@@ -11,73 +11,74 @@
 namespace fax::tool {
 namespace {
 
-using NamesOfField = std::pair<Field, std::vector<std::string_view>>;
+struct Names {
+  Field field;
+  std::string_view names;
+};
 
-// As they stand in the files; compared by comparable().
-std::vector<NamesOfField> const &known_names() {
-  static std::vector<NamesOfField> const names = {
-      {Field::name,
-       {"Name", "Full Name", "Display Name", "Displayname", "File As", "FN", "Destination Name", "Recipient", "Recipient Name",
-        "Contact", "Contact Name", "User Name", "Entry Name", "Anzeigename", "Vollständiger Name", "Empfänger",
-        "Nom complet", "Nom à afficher", "Nom d'affichage", "Afficher le nom", "Destinataire", "Nombre completo",
-        "Nombre para mostrar", "Destinatario", "Nome completo", "Nome visualizzato", "Nome da visualizzare",
-        "Nome de exibição", "Weergavenaam", "Volledige naam", "Visningsnamn", "Namn", "Naam", "Nazwa wyświetlana", "表示名",
-        "氏名", "名前", "宛先名", "宛名"}},
-      {Field::given,
-       {"First Name", "Given Name", "Firstname", "Vorname", "Prénom", "Nombre", "Nome", "Voornaam", "Primeiro nome",
-        "Förnamn", "Imię", "名"}},
-      {Field::middle,
-       {"Middle Name", "Additional Name", "Weitere Vornamen", "Deuxième prénom", "Segundo nombre", "Secondo nome",
-        "Middelste naam", "Segundo nome", "ミドル ネーム"}},
-      {Field::family,
-       {"Last Name", "Family Name", "Surname", "Lastname", "Nachname", "Nom", "Nom de famille", "Apellidos", "Apellido",
-        "Cognome", "Achternaam", "Sobrenome", "Apelido", "Efternamn", "Nazwisko", "姓"}},
-      {Field::company,
-       {"Company", "Company Name", "Organization", "Organisation", "Organization Name", "Organization 1 - Name", "Firma",
-        "Société", "Entreprise", "Empresa", "Compañía", "Organización", "Società", "Azienda", "Organizzazione", "Bedrijf",
-        "Organisatie", "Organização", "Företag", "Organizacja", "会社名", "会社", "勤務先", "所属"}},
-      {Field::note,
-       {"Notes", "Note", "Comment", "Comments", "Remarks", "Memo", "Notizen", "Bemerkung", "Bemerkungen", "Notas", "Notities",
-        "Observações", "Anotações", "Anteckningar", "Uwagi", "Notatki", "メモ", "備考"}},
-      {Field::fax,
-       {"Fax", "Fax Number", "Fax No", "Fax No.", "Faxnumber", "Facsimile", "Facsimile Number", "Fax Phone", "Primary Fax",
-        "Fax-Nummer", "Faxnummer", "Telefax", "Télécopie", "Télécopieur", "Numéro de fax", "Número de fax", "Numero di fax",
-        "Número do fax", "Faxnr", "Numer faksu", "Faks", "FAX番号", "ファックス", "ファクス", "ファクス番号"}},
-      {Field::fax_work,
-       {"Business Fax", "Work Fax", "Company Fax", "Office Fax", "Fax geschäftlich", "Fax dienstlich", "Fax (dienstl.)",
-        "Télécopie (bureau)", "Fax bureau", "Fax professionnel", "Fax del trabajo", "Fax trabajo", "Fax (uff.)",
-        "Fax ufficio", "Fax op werk", "Fax werk", "Fax comercial", "Fax (arbete)", "Faks służbowy", "会社 FAX", "勤務先 FAX"}},
-      {Field::fax_other,
-       {"Home Fax", "Other Fax", "Fax privat", "Weiteres Fax", "Télécopie (domicile)", "Télécopie (autre)", "Fax domicile",
-        "Fax particular", "Otro fax", "Fax (ab.)", "Fax abitazione", "Altro fax", "Fax thuis", "Andere fax",
-        "Fax residencial", "Outro fax", "Fax (hem)", "Annan fax", "Faks domowy", "自宅 FAX", "その他の FAX"}},
-      {Field::voice,
-       {"Phone", "Phone Number", "Telephone", "Telephone Number", "Number", "Tel", "Primary Phone", "Business Phone",
-        "Work Phone", "Office Phone", "Destination", "Destination Number", "Dial Number", "Telefon", "Telefonnummer", "Nummer",
-        "Rufnummer", "Telefon geschäftlich", "Tel. dienstlich", "Téléphone", "Numéro", "Téléphone (bureau)",
-        "Tél. professionnel", "Teléfono", "Número", "Teléfono del trabajo", "Telefono", "Numero", "Ufficio",
-        "Telefono ufficio", "Tel. ufficio", "Telefoon", "Telefoonnummer", "Telefoon op werk", "Telefone",
-        "Telefone comercial", "Telefon (arbete)", "Telefon służbowy", "電話番号", "電話", "会社電話", "勤務先の電話番号"}},
-      {Field::voice_other,
-       {"Business Phone 2", "Company Main Phone", "Home Phone", "Home Phone 2", "Mobile Phone", "Mobile Number", "Mobile",
-        "Cell Phone", "Other Phone", "Car Phone", "Telefon privat", "Telefon (privat)", "Tel. privat", "Mobiltelefon",
-        "Mobil-Tel.-Nr.", "Handy", "Weiteres Telefon", "Téléphone (domicile)", "Tél. personnel", "Tél. mobile", "Portable",
-        "Teléfono particular", "Móvil", "Teléfono móvil", "Abitazione", "Cellulare", "Tel. abitazione", "Telefoon thuis",
-        "Mobiele telefoon", "Mobiel", "Telefone residencial", "Celular", "Telemóvel", "Telefon (hem)", "Mobil",
-        "Telefon domowy", "Telefon komórkowy", "自宅電話", "自宅の電話番号", "携帯電話", "携帯電話番号"}},
-      {Field::groups,
-       {"Categories", "Category", "Group", "Groups", "Group Membership", "Group Name", "Labels", "Kategorien", "Kategorie",
-        "Gruppe", "Gruppen", "Catégories", "Catégorie", "Groupe", "Groupes", "Categorías", "Grupo", "Grupos", "Categorie",
-        "Categoria", "Gruppo", "Gruppi", "Categorieën", "Groep", "Groepen", "Categorias", "Kategorier", "Grupp", "Grupper",
-        "Grupa", "分類項目", "分類", "グループ", "グループ名"}},
-  };
-  return names;
-}
+// As they stand in the files, by language; compared by comparable().
+constexpr Names known_names[] = {
+    {Field::name,
+     "Name|Full Name|Display Name|Displayname|File As|FN|Destination Name|Recipient|Recipient Name|Contact|"
+     "Contact Name|User Name|Entry Name|Anzeigename|Vollständiger Name|Empfänger|Nom complet|Nom à afficher|"
+     "Nom d'affichage|Afficher le nom|Destinataire|Nombre completo|Nombre para mostrar|Destinatario|"
+     "Nome completo|Nome visualizzato|Nome da visualizzare|Nome de exibição|Weergavenaam|Volledige naam|"
+     "Visningsnamn|Namn|Naam|Nazwa wyświetlana|表示名|氏名|名前|宛先名|宛名"},
+    {Field::given,
+     "First Name|Given Name|Firstname|Vorname|Prénom|Nombre|Nome|Voornaam|Primeiro nome|Förnamn|Imię|名"},
+    {Field::middle,
+     "Middle Name|Additional Name|Weitere Vornamen|Deuxième prénom|Segundo nombre|Secondo nome|Middelste naam|"
+     "Segundo nome|ミドル ネーム"},
+    {Field::family,
+     "Last Name|Family Name|Surname|Lastname|Nachname|Nom|Nom de famille|Apellidos|Apellido|Cognome|"
+     "Achternaam|Sobrenome|Apelido|Efternamn|Nazwisko|姓"},
+    {Field::company,
+     "Company|Company Name|Organization|Organisation|Organization Name|Organization 1 - Name|Firma|Société|"
+     "Entreprise|Empresa|Compañía|Organización|Società|Azienda|Organizzazione|Bedrijf|Organisatie|Organização|"
+     "Företag|Organizacja|会社名|会社|勤務先|所属"},
+    {Field::note,
+     "Notes|Note|Comment|Comments|Remarks|Memo|Notizen|Bemerkung|Bemerkungen|Notas|Notities|Observações|"
+     "Anotações|Anteckningar|Uwagi|Notatki|メモ|備考"},
+    {Field::fax,
+     "Fax|Fax Number|Fax No|Fax No.|Faxnumber|Facsimile|Facsimile Number|Fax Phone|Primary Fax|Fax-Nummer|"
+     "Faxnummer|Telefax|Télécopie|Télécopieur|Numéro de fax|Número de fax|Numero di fax|Número do fax|Faxnr|"
+     "Numer faksu|Faks|FAX番号|ファックス|ファクス|ファクス番号"},
+    {Field::fax_work,
+     "Business Fax|Work Fax|Company Fax|Office Fax|Fax geschäftlich|Fax dienstlich|Fax (dienstl.)|"
+     "Télécopie (bureau)|Fax bureau|Fax professionnel|Fax del trabajo|Fax trabajo|Fax (uff.)|Fax ufficio|"
+     "Fax op werk|Fax werk|Fax comercial|Fax (arbete)|Faks służbowy|会社 FAX|勤務先 FAX"},
+    {Field::fax_other,
+     "Home Fax|Other Fax|Fax privat|Weiteres Fax|Télécopie (domicile)|Télécopie (autre)|Fax domicile|"
+     "Fax particular|Otro fax|Fax (ab.)|Fax abitazione|Altro fax|Fax thuis|Andere fax|Fax residencial|"
+     "Outro fax|Fax (hem)|Annan fax|Faks domowy|自宅 FAX|その他の FAX"},
+    {Field::voice,
+     "Phone|Phone Number|Telephone|Telephone Number|Number|Tel|Primary Phone|Business Phone|Work Phone|"
+     "Office Phone|Destination|Destination Number|Dial Number|Telefon|Telefonnummer|Nummer|Rufnummer|"
+     "Telefon geschäftlich|Tel. dienstlich|Téléphone|Numéro|Téléphone (bureau)|Tél. professionnel|Teléfono|"
+     "Número|Teléfono del trabajo|Telefono|Numero|Ufficio|Telefono ufficio|Tel. ufficio|Telefoon|"
+     "Telefoonnummer|Telefoon op werk|Telefone|Telefone comercial|Telefon (arbete)|Telefon służbowy|電話番号|"
+     "電話|会社電話|勤務先の電話番号"},
+    {Field::voice_other,
+     "Business Phone 2|Company Main Phone|Home Phone|Home Phone 2|Mobile Phone|Mobile Number|Mobile|"
+     "Cell Phone|Other Phone|Car Phone|Telefon privat|Telefon (privat)|Tel. privat|Mobiltelefon|"
+     "Mobil-Tel.-Nr.|Handy|Weiteres Telefon|Téléphone (domicile)|Tél. personnel|Tél. mobile|Portable|"
+     "Teléfono particular|Móvil|Teléfono móvil|Abitazione|Cellulare|Tel. abitazione|Telefoon thuis|"
+     "Mobiele telefoon|Mobiel|Telefone residencial|Celular|Telemóvel|Telefon (hem)|Mobil|Telefon domowy|"
+     "Telefon komórkowy|自宅電話|自宅の電話番号|携帯電話|携帯電話番号"},
+    {Field::groups,
+     "Categories|Category|Group|Groups|Group Membership|Group Name|Labels|Kategorien|Kategorie|Gruppe|Gruppen|"
+     "Catégories|Catégorie|Groupe|Groupes|Categorías|Grupo|Grupos|Categorie|Categoria|Gruppo|Gruppi|"
+     "Categorieën|Groep|Groepen|Categorias|Kategorier|Grupp|Grupper|Grupa|分類項目|分類|グループ|グループ名"}};
 
 std::unordered_map<std::string, Field> make_lookup() {
   std::unordered_map<std::string, Field> lookup;
-  for (auto const &[field, names] : known_names())
-    for (std::string_view name : names) lookup.emplace(comparable(name), field);
+  for (auto [field, names] : known_names) {
+    while (!names.empty()) {
+      std::size_t const end = std::min(names.find('|'), names.size());
+      lookup.emplace(comparable(names.substr(0, end)), field);
+      names.remove_prefix(std::min(end + 1, names.size()));
+    }
+  }
   return lookup;
 }
 
@@ -123,7 +124,8 @@ std::size_t chosen_column(std::string const &choice, std::vector<std::string> co
 // The user's word counts for every kind of name or number, not beside what the header would have given.
 void replace_field(Columns &columns, Field field, std::size_t column) {
   if (field == Field::fax)
-    for (Field number : {Field::fax_work, Field::fax_other, Field::voice, Field::voice_other, Field::label, Field::labelled})
+    for (Field number :
+         {Field::fax_work, Field::fax_other, Field::voice, Field::voice_other, Field::label, Field::labelled})
       columns.erase(number);
   if (field == Field::name)
     for (Field part : {Field::given, Field::middle, Field::family}) columns.erase(part);
@@ -141,9 +143,11 @@ std::optional<Field> known_column(std::string_view name) {
 
 Field labelled_number(std::string_view label) {
   std::string const key = comparable(label);
-  if (auto const known = known_column(key); known == Field::fax || known == Field::fax_work || known == Field::fax_other)
+  if (auto const known = known_column(key);
+      known == Field::fax || known == Field::fax_work || known == Field::fax_other)
     return *known;
-  if (key.find("fax") != std::string::npos) return key.find("work") != std::string::npos ? Field::fax_work : Field::fax_other;
+  if (key.find("fax") != std::string::npos)
+    return key.find("work") != std::string::npos ? Field::fax_work : Field::fax_other;
   return key == "main" || key == "work" ? Field::voice : Field::voice_other;
 }
 
@@ -159,13 +163,16 @@ Columns map_columns(std::vector<std::string> const &header) {
   return columns;
 }
 
-void override_columns(Columns &columns, std::vector<std::string> const &choices, std::vector<std::string> const &header) {
+void override_columns(Columns &columns, std::vector<std::string> const &choices,
+                      std::vector<std::string> const &header) {
   for (std::string const &choice : choices) {
     std::size_t const sign = choice.find('=');
     auto const field = sign == std::string::npos ? std::nullopt : chosen_field(choice.substr(0, sign));
     if (!field)
-      throw Failure("--map: " + in_quotes(choice) + " is not FIELD=COLUMN with one of the fields name, given, middle, family, "
-                    "number, company, note, group", exit_usage);
+      throw Failure("--map: " + in_quotes(choice) +
+                        " is not FIELD=COLUMN with one of the fields name, given, middle, family, "
+                        "number, company, note, group",
+                    exit_usage);
     replace_field(columns, *field, chosen_column(choice.substr(sign + 1), header));
   }
 }

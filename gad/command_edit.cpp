@@ -51,7 +51,8 @@ void list_members(BookContents const &book, GroupChoices const &choices) {
 }
 
 bool changes_something(GroupChoices const &choices) {
-  return choices.create || choices.erase || !choices.new_name.empty() || !choices.add.empty() || !choices.remove.empty();
+  return choices.create || choices.erase || !choices.new_name.empty() || !choices.add.empty() ||
+         !choices.remove.empty();
 }
 
 void change_group(GroupChoices const &choices, BookContents const &book, gad::Change &change) {
@@ -95,7 +96,8 @@ int add_entry(std::string const &book, Contact const &contact) {
     Status const status = change.add(
         {0, contact.name, contact.number, contact.company, contact.note, std::time(nullptr), std::string()}, &id);
     if (status == Status::present)
-      throw Failure(book + ": " + in_quotes(contact.name) + " is there already with the number " + in_quotes(contact.number));
+      throw Failure(book + ": " + in_quotes(contact.name) + " is there already with the number " +
+                    in_quotes(contact.number));
     require(status, book);
     for (std::string const &group : contact.groups)
       require(change.add_member(group_id(file, change, group, book), id), book);
@@ -126,7 +128,8 @@ int work_on_group(GroupChoices const &choices) {
       list_members(book, choices);
     return exit_success;
   }
-  change_book(choices.book, [&](gad::File &, gad::Change &change) { change_group(choices, read_book(choices.book), change); });
+  change_book(choices.book,
+              [&](gad::File &, gad::Change &change) { change_group(choices, read_book(choices.book), change); });
   return exit_success;
 }
 

@@ -43,13 +43,15 @@ bool has_lone_return(std::string_view text) {
   return false;
 }
 
-std::string vcards_of(BookContents const &book, VcardVersion version, ExportChoices const &choices, Progress &progress) {
+std::string vcards_of(BookContents const &book, VcardVersion version, ExportChoices const &choices,
+                      Progress &progress) {
   std::string text;
   for (BookEntry const &entry : book.entries) {
     text += vcard_contact(entry.contact, version);
     progress.show(double(&entry - book.entries.data()) / double(book.entries.size()));
     if (has_lone_return(entry.contact.name + entry.contact.note))
-      note(choices, in_quotes(entry.contact.name) + ": a carriage return becomes a line break, as vCards know no other");
+      note(choices,
+           in_quotes(entry.contact.name) + ": a carriage return becomes a line break, as vCards know no other");
   }
   for (BookGroup const &group : book.groups) {
     std::vector<std::string> members;
@@ -67,9 +69,10 @@ int export_book(ExportChoices const &choices) {
   std::string text;
   {
     Progress progress("Exporting", choices.quiet);
-    text = format == ExportFormat::csv ? csv_of(book, choices, progress)
-                                       : vcards_of(book, format == ExportFormat::vcard3 ? VcardVersion::v3 : VcardVersion::v4,
-                                                   choices, progress);
+    text =
+        format == ExportFormat::csv
+            ? csv_of(book, choices, progress)
+            : vcards_of(book, format == ExportFormat::vcard3 ? VcardVersion::v3 : VcardVersion::v4, choices, progress);
   }
   write_whole(choices.target, text, choices.replace);
   return exit_success;

@@ -20,8 +20,8 @@ std::string label(ImportChoices const &choices) { return choices.source == "-" ?
 
 Contacts read_list(ImportChoices const &choices) {
   DecodedText const decoded = decode_text_file(read_whole(choices.source), choices.encoding);
-  bool const vcard = choices.format == ImportFormat::automatic ? is_vcard(decoded.text)
-                                                               : choices.format == ImportFormat::vcard;
+  bool const vcard =
+      choices.format == ImportFormat::automatic ? is_vcard(decoded.text) : choices.format == ImportFormat::vcard;
   Progress progress("Reading  ", choices.quiet);
   auto const show = [&](double share) { progress.show(share); };
   Contacts contacts = vcard ? read_vcard_contacts(decoded.text, choices.csv.fax_only, show)
@@ -53,8 +53,8 @@ void print_remarks(Contacts &contacts, ImportChoices const &choices) {
 }
 
 void print_summary(ImportResult const &result, Contacts const &contacts, bool dry_run) {
-  std::cout << (dry_run ? "Would add " : "Added ") << result.added << ", already there " << result.present << ", skipped "
-            << contacts.skipped << ", new groups " << result.groups << '\n';
+  std::cout << (dry_run ? "Would add " : "Added ") << result.added << ", already there " << result.present
+            << ", skipped " << contacts.skipped << ", new groups " << result.groups << '\n';
   finish_output();
 }
 
@@ -66,7 +66,8 @@ int import_list(ImportChoices const &choices) {
   try {
     contacts = read_list(choices);
   } catch (Failure const &failure) {
-    std::string const prefix = std::string(failure.what()).starts_with(choices.source + ":") ? "" : label(choices) + ": ";
+    std::string const prefix =
+        std::string(failure.what()).starts_with(choices.source + ":") ? "" : label(choices) + ": ";
     throw Failure(prefix + failure.what() + "; nothing was imported", failure.code);
   }
   if (!choices.group.empty())

@@ -1,5 +1,5 @@
-// What each command of gad does. Every function answers an exit code or throws a Failure; results go to standard output,
-// remarks to standard error.
+// What each command of gad does. Every function answers an exit code or throws a Failure; results go to standard
+// output, remarks to standard error.
 #pragma once
 
 #include "gad/csv_contacts.h"

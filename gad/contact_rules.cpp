@@ -57,7 +57,8 @@ std::string refused_characters(std::string_view number) {
     UChar32 character;
     U8_NEXT(number.data(), position, number.size(), character);
     std::string_view const bytes = number.substr(start, position - start);
-    if (!(character >= 0 && is_accepted(char32_t(character))) && refused.find(bytes) == std::string::npos) refused += bytes;
+    if (!(character >= 0 && is_accepted(char32_t(character))) && refused.find(bytes) == std::string::npos)
+      refused += bytes;
   }
   return refused.empty() ? refused : in_quotes(refused);
 }

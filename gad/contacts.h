@@ -32,7 +32,7 @@ struct Contacts {
   std::vector<Contact> people;
   std::vector<std::string> groups;  // every group that the list declares by itself, also the empty ones
   std::vector<Remark> remarks;
-  std::size_t skipped = 0;          // records left out: one remark each
+  std::size_t skipped = 0;  // records left out: one remark each
 
   void skip(std::size_t line, std::string reason) {
     remarks.push_back({line, Weight::skipped, std::move(reason)});

@@ -136,8 +136,8 @@ private:
     override_columns(columns_, choices_.columns, header);
     require(row.line, header, {Field::name, Field::given, Field::family, Field::company}, "names", "name");
     require(row.line, header,
-            {Field::fax, Field::fax_work, Field::fax_other, Field::voice, Field::voice_other, Field::labelled}, "numbers",
-            "number");
+            {Field::fax, Field::fax_work, Field::fax_other, Field::voice, Field::voice_other, Field::labelled},
+            "numbers", "number");
     columns_known_ = true;
     if (choices_.no_header) contact(row);
   }
@@ -147,8 +147,9 @@ private:
     if (std::any_of(fields.begin(), fields.end(), [this](Field one) { return columns_.contains(one); })) return;
     std::string names;
     for (std::string const &name : header) names += (names.empty() ? "" : ", ") + in_quotes(name);
-    throw Failure("line " + std::to_string(line) + ": no column is known to hold " + what + "; say which with --map " + field +
-                      "=COLUMN" + (choices_.no_header ? " (columns have numbers from 1)" : "") + "; the columns are " + names);
+    throw Failure("line " + std::to_string(line) + ": no column is known to hold " + what + "; say which with --map " +
+                  field + "=COLUMN" + (choices_.no_header ? " (columns have numbers from 1)" : "") +
+                  "; the columns are " + names);
   }
 
   void contact(CsvRow const &row) {
@@ -170,7 +171,8 @@ private:
 
 }  // namespace
 
-Contacts read_csv_contacts(std::string_view text, CsvChoices const &choices, std::function<void(double)> const &progress) {
+Contacts read_csv_contacts(std::string_view text, CsvChoices const &choices,
+                           std::function<void(double)> const &progress) {
   auto const recognised = [](std::string_view cell) { return known_column(cell).has_value(); };
   char const delimiter = choices.delimiter != 0 ? choices.delimiter : detect_delimiter(text, recognised);
   Importer importer(choices);

@@ -15,8 +15,8 @@ struct CsvRow {
   char const *fault = nullptr;  // why it is no row, for a person: quotes that never end, more cells than a table has
 };
 
-// Calls visit with each row in turn while it answers true; blank lines are none. White space around a cell outside quotes
-// is not part of it. A line may end in LF, CR LF or CR. text is UTF-8, delimiter an ASCII character.
+// Calls visit with each row in turn while it answers true; blank lines are none. White space around a cell outside
+// quotes is not part of it. A line may end in LF, CR LF or CR. text is UTF-8, delimiter an ASCII character.
 void read_csv(std::string_view text, char delimiter, std::function<bool(CsvRow &)> const &visit);
 
 // The delimiter (comma, semicolon, tab, bar or colon) with which text is most like a table: a line "sep=;" at its start

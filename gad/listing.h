@@ -19,8 +19,8 @@ public:
   // As many cells as there are columns.
   void add(std::vector<Cell> row) { rows_.push_back(std::move(row)); }
 
-  // A table has the names of the columns on top; tsv has none, tabs between the cells and escaped() texts, the items of a
-  // list separated by ";" (one within an item has a backslash before it); json is one array of objects.
+  // A table has the names of the columns on top; tsv has none, tabs between the cells and escaped() texts, the items of
+  // a list separated by ";" (one within an item has a backslash before it); json is one array of objects.
   void print() const;
 
 private:

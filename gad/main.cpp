@@ -24,9 +24,9 @@ CLI::App *add_command(CLI::App &program, char const *name, char const *descripti
 template <typename Value>
 void add_choice(CLI::App *command, char const *option, Value &value, std::map<std::string, Value> const &words,
                 char const *description) {
-  command->add_option_function<std::string>(
-             option, [&value, words](std::string const &word) { value = words.at(word); },
-             description)
+  command
+      ->add_option_function<std::string>(
+          option, [&value, words](std::string const &word) { value = words.at(word); }, description)
       ->check(CLI::IsMember(words))
       ->type_name("FORMAT");
 }
@@ -38,15 +38,15 @@ void add_format(CLI::App *command, ListFormat &format) {
 }
 
 void add_delimiter(CLI::App *command, char &delimiter, char const *description) {
-  command->add_option_function<std::string>(
-             "--delimiter",
-             [&delimiter](std::string const &text) {
-               delimiter = text == "tab" || text == "\\t" ? '\t' : text.front();
-             },
-             description)
+  command
+      ->add_option_function<std::string>(
+          "--delimiter",
+          [&delimiter](std::string const &text) { delimiter = text == "tab" || text == "\\t" ? '\t' : text.front(); },
+          description)
       ->check([](std::string const &text) {
-        bool const good = text == "tab" || text == "\\t" ||
-                          (text.size() == 1 && text.front() > 0 && std::string("\"\r\n ").find(text) == std::string::npos);
+        bool const good =
+            text == "tab" || text == "\\t" ||
+            (text.size() == 1 && text.front() > 0 && std::string("\"\r\n ").find(text) == std::string::npos);
         return good ? std::string() : std::string("one ASCII character, or tab");
       })
       ->type_name("CHARACTER");
@@ -86,7 +86,8 @@ struct Program {
 
   void listing() {
     CLI::App *command = add_command(app, "list", "show entries: id, name, number, company, note, groups", list.book);
-    command->add_option("--search", list.search, "only names that hold this text, in any letter case")->type_name("TEXT");
+    command->add_option("--search", list.search, "only names that hold this text, in any letter case")
+        ->type_name("TEXT");
     command->add_option("--group", list.group, "only members of this group")->type_name("GROUP");
     add_format(command, list.format);
     command->callback([this] { code = list_entries(list); });
@@ -98,7 +99,8 @@ struct Program {
     command->add_option("NUMBER", contact.number, "the fax number")->required()->type_name("");
     command->add_option("--company", contact.company, "the company it belongs to")->type_name("TEXT");
     command->add_option("--note", contact.note, "anything else")->type_name("TEXT");
-    command->add_option("--group", contact.groups, "a group to put it in, made when it is not there; may be given again")
+    command
+        ->add_option("--group", contact.groups, "a group to put it in, made when it is not there; may be given again")
         ->type_name("GROUP")
         ->expected(1)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
@@ -116,9 +118,13 @@ struct Program {
     CLI::Option *name = command->add_option("GROUP", group.name, "the group's name")->type_name("");
     CLI::Option *create = command->add_flag("--create", group.create, "make the group")->needs(name);
     command->add_option("--add", group.add, "ids or names of entries that join")->type_name("ENTRY")->needs(name);
-    command->add_option("--remove", group.remove, "ids or names of members that leave")->type_name("ENTRY")->needs(name);
+    command->add_option("--remove", group.remove, "ids or names of members that leave")
+        ->type_name("ENTRY")
+        ->needs(name);
     command->add_option("--rename", group.new_name, "the group's new name")->type_name("NAME")->needs(name);
-    command->add_flag("--delete", group.erase, "remove the group; its members stay in the book")->needs(name)->excludes(create);
+    command->add_flag("--delete", group.erase, "remove the group; its members stay in the book")
+        ->needs(name)
+        ->excludes(create);
     add_format(command, group.format);
     command->callback([this] { code = work_on_group(group); });
   }
@@ -129,11 +135,14 @@ struct Program {
     add_choice<ImportFormat>(command, "--from", import.format,
                              {{"vcard", ImportFormat::vcard}, {"csv", ImportFormat::csv}},
                              "what the file is, when that cannot be seen");
-    command->add_option("--encoding", import.encoding, "of the file: utf-8, utf-16le, latin1, windows-1252, shift-jis, ...")
+    command
+        ->add_option("--encoding", import.encoding,
+                     "of the file: utf-8, utf-16le, latin1, windows-1252, shift-jis, ...")
         ->type_name("NAME");
     add_delimiter(command, import.csv.delimiter, "between the cells of CSV; otherwise found out");
-    command->add_option("--map", import.csv.columns,
-                        "a column of CSV and what it holds, such as number=Fax; may be given again")
+    command
+        ->add_option("--map", import.csv.columns,
+                     "a column of CSV and what it holds, such as number=Fax; may be given again")
         ->type_name("FIELD=COLUMN")
         ->allow_extra_args(false);
     command->add_flag("--no-header", import.csv.no_header, "the first row of CSV is a contact; needs --map");
@@ -147,11 +156,14 @@ struct Program {
 
   void exporting() {
     CLI::App *command = add_command(app, "export", "write all entries and groups as vCard or CSV", exported.book);
-    command->add_option("TARGET", exported.target, "the file, by its ending .vcf or .csv; - for standard output")->type_name("");
-    add_choice<ExportFormat>(
-        command, "--to", exported.format,
-        {{"vcard", ExportFormat::vcard4}, {"vcard4", ExportFormat::vcard4}, {"vcard3", ExportFormat::vcard3}, {"csv", ExportFormat::csv}},
-        "what to write");
+    command->add_option("TARGET", exported.target, "the file, by its ending .vcf or .csv; - for standard output")
+        ->type_name("");
+    add_choice<ExportFormat>(command, "--to", exported.format,
+                             {{"vcard", ExportFormat::vcard4},
+                              {"vcard4", ExportFormat::vcard4},
+                              {"vcard3", ExportFormat::vcard3},
+                              {"csv", ExportFormat::csv}},
+                             "what to write");
     add_delimiter(command, exported.delimiter, "between the cells of CSV; otherwise a comma");
     command->add_flag("--bom", exported.byte_order_mark, "begin CSV with a byte order mark, for Excel");
     command->add_flag("-f,--force", exported.replace, "replace a file that is there");

@@ -17,7 +17,8 @@ bool is_fax(Rank rank) { return rank <= Rank::fax_other; }
 
 void Numbers::add(std::string const &number, Rank rank, int preference) {
   if (trimmed(number).empty()) return;
-  auto const same = std::find_if(numbers_.begin(), numbers_.end(), [&](Number const &one) { return one.text == number; });
+  auto const same =
+      std::find_if(numbers_.begin(), numbers_.end(), [&](Number const &one) { return one.text == number; });
   if (same == numbers_.end())
     numbers_.push_back({number, rank, preference});
   else if (std::tie(rank, preference) < std::tie(same->rank, same->preference))

@@ -19,8 +19,8 @@ public:
   // Blank ones, and those that are there already, do not count.
   void add(std::string const &number, Rank rank, int preference = no_preference);
 
-  // Gives the contact its number and puts it into contacts, with a remark about a telephone number that was taken and about
-  // fax numbers that were not; or skips it.
+  // Gives the contact its number and puts it into contacts, with a remark about a telephone number that was taken and
+  // about fax numbers that were not; or skips it.
   void choose(Contact &contact, bool fax_only, Contacts &contacts);
 
 private:

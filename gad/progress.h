@@ -6,7 +6,8 @@
 
 namespace fax::tool {
 
-// Shows itself on standard error when that is a terminal and the work takes longer than a moment, and is gone at its end.
+// Shows itself on standard error when that is a terminal and the work takes longer than a moment, and is gone at its
+// end.
 class Progress {
 public:
   Progress(std::string label, bool quiet);

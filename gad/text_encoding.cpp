@@ -66,8 +66,9 @@ std::size_t lines(icu::UnicodeString const &text) {
 DecodedText decode_as(std::string_view bytes, std::string const &encoding, std::string const &label) {
   Converter const converter = open_converter(encoding);
   if (converter == nullptr)
-    throw Failure("the encoding " + in_quotes(label) + " is not known; try utf-8, utf-16le, windows-1252, latin1 or shift-jis",
-                  exit_usage);
+    throw Failure(
+        "the encoding " + in_quotes(label) + " is not known; try utf-8, utf-16le, windows-1252, latin1 or shift-jis",
+        exit_usage);
   Conversion const conversion = convert(converter.get(), bytes);
   if (!conversion.complete)
     throw Failure("line " + std::to_string(lines(conversion.text)) + " is not valid " + label +
@@ -88,9 +89,9 @@ Kind kind_of(unsigned char byte) {
   return byte <= 0x98 ? Kind::common : Kind::rare;
 }
 
-// Of valid Shift JIS. Western accents read as such turn into rare characters and short pieces of katakana, western quotation
-// marks into single characters; Japanese text has words. (A detector by statistics, such as ICU's, needs more text than an
-// address list has.)
+// Of valid Shift JIS. Western accents read as such turn into rare characters and short pieces of katakana, western
+// quotation marks into single characters; Japanese text has words. (A detector by statistics, such as ICU's, needs more
+// text than an address list has.)
 bool reads_as_japanese(std::string_view bytes) {
   std::size_t in_words = 0, stray = 0;
   for (std::size_t i = 0; i < bytes.size();) {
@@ -136,7 +137,8 @@ void refuse_binary(std::string_view text) {
 DecodedText decode_text_file(std::string_view bytes, std::string_view encoding) {
   DecodedText result;
   if (!encoding.empty()) {
-    result = decode_as(bytes, comparable(encoding) == "shiftjis" ? shift_jis : std::string(encoding), std::string(encoding));
+    result =
+        decode_as(bytes, comparable(encoding) == "shiftjis" ? shift_jis : std::string(encoding), std::string(encoding));
   } else if (auto const marked = marked_encoding(bytes)) {
     result = decode_as(bytes, *marked, *marked);
   } else {

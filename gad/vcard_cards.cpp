@@ -99,7 +99,8 @@ void split_cards(std::string_view text, std::function<void(CardText const &, std
 std::optional<std::string> fault_of(CardText const &card) {
   // The parser works on C strings, and its time grows with the square of the parts that separators make.
   if (card.text.find('\0') != std::string::npos) return "it holds null characters";
-  auto const separators = std::count_if(card.text.begin(), card.text.end(), [](char c) { return c == ';' || c == ','; });
+  auto const separators =
+      std::count_if(card.text.begin(), card.text.end(), [](char c) { return c == ';' || c == ','; });
   if (separators > most_separators) return "it has more parts than any card";
   return std::nullopt;
 }
@@ -107,7 +108,7 @@ std::optional<std::string> fault_of(CardText const &card) {
 std::vector<Property> parse_card(CardText const &card) {
   std::vector<Property> properties;
   std::unique_ptr<EVCard, decltype(&g_object_unref)> const parsed(e_vcard_new_from_string(card.text.c_str()),
-                                                                 &g_object_unref);
+                                                                  &g_object_unref);
   for_each<EVCardAttribute>(e_vcard_get_attributes(parsed.get()),
                             [&](EVCardAttribute *attribute) { properties.push_back(read_property(attribute)); });
   return properties;

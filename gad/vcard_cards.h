@@ -16,8 +16,8 @@ struct CardText {
   std::size_t line = 0;  // of BEGIN, from 1
 };
 
-// Calls visit with each card in turn. The position in text behind the card goes with it. Failure: the text ends within a
-// card; a card is larger than 16 MiB.
+// Calls visit with each card in turn. The position in text behind the card goes with it. Failure: the text ends within
+// a card; a card is larger than 16 MiB.
 void split_cards(std::string_view text, std::function<void(CardText const &, std::size_t position)> const &visit);
 
 // One line of a card, decoded: "item1.TEL;TYPE=fax:030".

@@ -22,7 +22,8 @@ constexpr std::size_t longest_line = 75;  // bytes, as both versions want it
 std::string identity(std::string_view uid) {
   uid = trimmed(uid);
   std::string key(uid);
-  std::transform(key.begin(), key.end(), key.begin(), [](unsigned char c) { return c < 0x80 ? char(std::tolower(c)) : char(c); });
+  std::transform(key.begin(), key.end(), key.begin(),
+                 [](unsigned char c) { return c < 0x80 ? char(std::tolower(c)) : char(c); });
   return key.starts_with("urn:uuid:") ? key.substr(9) : key;
 }
 
@@ -39,7 +40,8 @@ std::string number_in(std::string const &text) {
   uri = uri.substr(0, uri.find(';'));
   std::string number;
   for (std::size_t i = 0; i < uri.size(); ++i) {
-    bool const coded = uri[i] == '%' && i + 2 < uri.size() && hexadecimal(uri[i + 1]) >= 0 && hexadecimal(uri[i + 2]) >= 0;
+    bool const coded =
+        uri[i] == '%' && i + 2 < uri.size() && hexadecimal(uri[i + 1]) >= 0 && hexadecimal(uri[i + 2]) >= 0;
     number += coded ? char(hexadecimal(uri[i + 1]) * 16 + hexadecimal(uri[i + 2])) : uri[i];
     if (coded) i += 2;
   }
@@ -142,7 +144,8 @@ private:
         ++(group_uids_.contains(member) ? nested : missing);
     }
     auto const say = [&](std::size_t count, char const *what) {
-      if (count > 0) contacts_.remark(group.contact.line, "group " + in_quotes(name) + ": " + std::to_string(count) + what);
+      if (count > 0)
+        contacts_.remark(group.contact.line, "group " + in_quotes(name) + ": " + std::to_string(count) + what);
     };
     say(missing, " of its members left out: no such card, or skipped");
     say(nested, " of its members left out: groups, which cannot be in a group");

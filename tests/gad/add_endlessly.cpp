@@ -2,8 +2,8 @@
 //
 //   add-endlessly BOOK TAG
 //
-// Batches of 1 to 5 entries "TAG BATCH ENTRY". Once AbifGADFile_Add has answered success for a batch, and not before, it
-// writes the line "BATCH SIZE" to standard output. Ends with 1 when anything fails.
+// Batches of 1 to 5 entries "TAG BATCH ENTRY". Once AbifGADFile_Add has answered success for a batch, and not before,
+// it writes the line "BATCH SIZE" to standard output. Ends with 1 when anything fails.
 
 #include "quoltanis/QUOLTANIS.h"
 #include "quoltanis/records.h"
@@ -56,7 +56,8 @@ int main(int count, char **arguments) {
   for (int batch = 0;; ++batch) {
     std::vector<fax::MyFaxRecord> records;
     for (int entry = 0; entry <= batch % 5; ++entry)
-      records.push_back(record(std::string(arguments[2]) + ' ' + std::to_string(batch) + ' ' + std::to_string(entry), "1"));
+      records.push_back(
+          record(std::string(arguments[2]) + ' ' + std::to_string(batch) + ' ' + std::to_string(entry), "1"));
     if (!add(book, records) || !acknowledge(batch, records.size())) return 1;
   }
 }

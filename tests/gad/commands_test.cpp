@@ -92,7 +92,9 @@ TEST(Commands, HelpAndManualNameTheSameOptions) {
 TEST(Commands, ChangeEntriesAndGroups) {
   Folder const folder;
   std::string const book = folder.book();
-  EXPECT_EQ(gad({"add", book, "Åsa", "030-1", "--company", "C", "--note", "a\tb", "--group", "x;y", "--group", "G"}).output, "1\n");
+  EXPECT_EQ(
+      gad({"add", book, "Åsa", "030-1", "--company", "C", "--note", "a\tb", "--group", "x;y", "--group", "G"}).output,
+      "1\n");
   EXPECT_THAT(gad({"add", book, "Ben", "+1 (2)"}).errors, HasSubstr("holds \"+ ()\""));
   EXPECT_EQ(gad({"list", book}).output, "1\tÅsa\t030-1\tC\ta\\tb\tx\\;y;G\n2\tBen\t+1 (2)\t\t\t\n");
   EXPECT_EQ(gad({"list", book, "--search", "åS"}).output, "1\tÅsa\t030-1\tC\ta\\tb\tx\\;y;G\n");
@@ -125,8 +127,12 @@ TEST(Commands, ShareBooksWithTheSqliteShell) {
 
   // A book that was made by hand from the documented tables.
   std::string const made = folder / "made.gad";
-  ASSERT_EQ(run({"sh", "-c", "{ echo 'PRAGMA application_id = 1195459654; PRAGMA user_version = 1;';"
-                             " sqlite3 '" + book + "' .schema | grep -v sqlite_sequence; } | sqlite3 '" + made + "'"}).code, 0);
+  ASSERT_EQ(run({"sh", "-c",
+                 "{ echo 'PRAGMA application_id = 1195459654; PRAGMA user_version = 1;';"
+                 " sqlite3 '" +
+                     book + "' .schema | grep -v sqlite_sequence; } | sqlite3 '" + made + "'"})
+                .code,
+            0);
   EXPECT_EQ(gad({"add", made, "Cleo", "3"}).code, 0);
   EXPECT_EQ(gad({"list", made}).output, "1\tCleo\t3\t\t\t\n");
 }
@@ -137,13 +143,15 @@ TEST(Commands, ExportIsCompleteOrNotThere) {
   ASSERT_EQ(gad({"add", book, "Åsa; Öberg", "1", "--note", "a\nb", "--group", "G"}).code, 0);
   ASSERT_EQ(gad({"group", book, "Empty", "--create"}).code, 0);
   Outcome const csv = gad({"export", book, "--to", "csv"});
-  EXPECT_EQ(csv.output,
-            "\"Name\",\"Fax Number\",\"Company\",\"Notes\",\"Categories\"\r\n\"Åsa; Öberg\",\"1\",\"\",\"a\nb\",\"G\"\r\n");
+  EXPECT_EQ(
+      csv.output,
+      "\"Name\",\"Fax Number\",\"Company\",\"Notes\",\"Categories\"\r\n\"Åsa; Öberg\",\"1\",\"\",\"a\nb\",\"G\"\r\n");
   EXPECT_THAT(csv.errors, HasSubstr("group \"Empty\" has no members"));
   std::string const target = folder.file("list.vcf", "old");
   EXPECT_EQ(gad({"export", book, target, "--force"}).code, 0);
   EXPECT_EQ(content_of(target), gad({"export", book}).output);
-  EXPECT_THAT(content_of(target), HasSubstr("\r\nFN:Åsa\\; Öberg\r\nN:Åsa\\; Öberg;;;;\r\nTEL;TYPE=fax:1\r\nNOTE:a\\nb\r\n"));
+  EXPECT_THAT(content_of(target),
+              HasSubstr("\r\nFN:Åsa\\; Öberg\r\nN:Åsa\\; Öberg;;;;\r\nTEL;TYPE=fax:1\r\nNOTE:a\\nb\r\n"));
   EXPECT_EQ(folder.names(), (std::vector<std::string>{"book.gad", "list.vcf"}));
 }
 

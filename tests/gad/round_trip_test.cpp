@@ -22,8 +22,10 @@ public:
   // Of all that could be taken for syntax, and letters of one to four bytes. Never blank.
   std::string text(std::size_t longest) {
     static std::vector<std::string> const letters = {
-        "a", "Z", "7", " ", ",", ";", ":", "\\", "\"", "'", "\n", "\t", "=", "|", " ::: ", "\\n", "\\,", "BEGIN:VCARD", "\x01",
-        "\x7f", "ä", "ß", "é", "日", "本", "ﾀ", "\xC2\xA0", "\xE2\x80\xA8", "\xEF\xBB\xBF", "😀", "sep=;", "* ", "tel:"};
+        "a",     "Z",  "7",   " ",  ",",     ";",   ":",        "\\",           "\"",           "'",
+        "\n",    "\t", "=",   "|",  " ::: ", "\\n", "\\,",      "BEGIN:VCARD",  "\x01",         "\x7f",
+        "ä",     "ß",  "é",   "日", "本",    "ﾀ",   "\xC2\xA0", "\xE2\x80\xA8", "\xEF\xBB\xBF", "😀",
+        "sep=;", "* ", "tel:"};
     std::string text;
     for (std::size_t count = below(longest) + 1; count > 0; --count) text += letters[below(letters.size())];
     std::size_t const blank = text.find_first_not_of(" \t\n");
@@ -64,7 +66,8 @@ void fill(std::string const &path, Random &random) {
   for (std::uint32_t &group : groups) ASSERT_EQ(change.add_group(random.text(4), &group), Status::success);
   for (int i = 0; i < 40; ++i) {
     std::uint32_t id = 0;
-    std::string const company = random.below(2) != 0 ? random.text(4) : "", note = random.below(2) != 0 ? random.text(12) : "";
+    std::string const company = random.below(2) != 0 ? random.text(4) : "",
+                      note = random.below(2) != 0 ? random.text(12) : "";
     ASSERT_EQ(change.add({0, random.text(4), random.number(), company, note, 0, ""}, &id), Status::success);
     // Every group has a member: CSV knows no other.
     for (std::uint32_t group : groups) {
@@ -86,9 +89,9 @@ TEST(RoundTrip, KeepsEveryEntryAndGroup) {
     Folder const folder;
     std::string const book = folder.book();
     ASSERT_NO_FATAL_FAILURE(fill(book, random));
-    for (Way const way : {Way{ExportFormat::vcard4, ',', false}, Way{ExportFormat::vcard3, ',', false},
-                          Way{ExportFormat::csv, ',', true}, Way{ExportFormat::csv, ';', false},
-                          Way{ExportFormat::csv, '\t', false}}) {
+    for (Way const way :
+         {Way{ExportFormat::vcard4, ',', false}, Way{ExportFormat::vcard3, ',', false},
+          Way{ExportFormat::csv, ',', true}, Way{ExportFormat::csv, ';', false}, Way{ExportFormat::csv, '\t', false}}) {
       SCOPED_TRACE("seed " + std::to_string(seed) + ", format " + std::to_string(int(way.format)) + way.delimiter);
       ExportChoices exported{book, folder / "list", way.format, way.delimiter, way.mark, true, true};
       ASSERT_EQ(export_book(exported), exit_success);
