@@ -1,6 +1,7 @@
 #include "addressbook/address_book.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <numeric>
 #include <stdexcept>
@@ -11,10 +12,10 @@ namespace {
 
 constexpr std::size_t kMaximum = std::numeric_limits<std::uint32_t>::max();
 
-// One entry's key while sorting: its folded name and number with a NUL between them, of which head holds eight bytes.
+// One entry's key while sorting: a folded text, of which head holds eight bytes.
 struct SortKey {
   std::uint64_t head;
-  std::uint32_t begin, length, name_length, row;
+  std::uint32_t begin, length, row;
 };
 
 constexpr std::size_t kHead = sizeof(std::uint64_t);
@@ -22,21 +23,47 @@ constexpr std::size_t kHead = sizeof(std::uint64_t);
 // The bytes of the key from depth on, the first one weighing most; zeros behind its end.
 std::uint64_t head_at(char const *text, SortKey const &key, std::size_t depth) {
   if (depth >= key.length) return 0;
-  unsigned char bytes[kHead] = {};
-  std::memcpy(bytes, text + key.begin + depth, std::min<std::size_t>(key.length - depth, kHead));
+  std::size_t const length = std::min<std::size_t>(key.length - depth, kHead);
+  char const *const bytes = text + key.begin + depth;
   std::uint64_t head = 0;
-  for (unsigned char const byte : bytes) head = head << 8 | byte;
-  return head;
+  for (std::size_t at = 0; at < length; ++at) head = head << 8 | static_cast<unsigned char>(bytes[at]);
+  return head << 8 * (kHead - length) % 64;
 }
 
 using Keys = std::span<SortKey>;
 
-// Sorts keys that are alike up to depth and have their heads from there, the greatest first, equal ones by row: by head,
-// then each run of one head by the next eight bytes.
-void sort_keys(Keys keys, char const *text, std::size_t depth) {
+// Sorts by head, the greatest first, equal ones as they stood: digit by digit, the last one first.
+void sort_many_by_head(Keys keys) {
+  constexpr std::size_t kDigits = 256;
+  std::array<std::array<std::uint32_t, kDigits>, kHead> counts{};
+  auto const digit = [](SortKey const &key, std::size_t at) { return ~key.head >> 8 * at & (kDigits - 1); };
+  for (SortKey const &key : keys) {
+    for (std::size_t at = 0; at < kHead; ++at) ++counts[at][digit(key, at)];
+  }
+  std::vector<SortKey> other(keys.size());
+  Keys from = keys, to = other;
+  for (std::size_t at = 0; at < kHead; ++at) {
+    std::array<std::uint32_t, kDigits> &places = counts[at];
+    if (places[digit(keys[0], at)] == keys.size()) continue;
+    std::exclusive_scan(places.begin(), places.end(), places.begin(), 0u);
+    for (SortKey const &key : from) to[places[digit(key, at)]++] = key;
+    std::swap(from, to);
+  }
+  if (from.data() != keys.data()) std::copy(from.begin(), from.end(), keys.begin());
+}
+
+void sort_by_head(Keys keys) {
+  constexpr std::size_t kMany = 512;
+  if (keys.size() >= kMany) return sort_many_by_head(keys);
   std::sort(keys.begin(), keys.end(), [](SortKey const &left, SortKey const &right) {
     return left.head != right.head ? left.head > right.head : left.row < right.row;
   });
+}
+
+// Sorts keys that stand by row, are alike up to depth and have their heads from there, the greatest first, equal ones by
+// row: by head, then each run of one head by the next eight bytes.
+void sort_keys(Keys keys, char const *text, std::size_t depth) {
+  sort_by_head(keys);
   for (auto first = keys.begin(); first != keys.end();) {
     auto last = first + 1;
     while (last != keys.end() && last->head == first->head) ++last;
@@ -151,30 +178,53 @@ AddressEntry AddressBook::entry(RowNumber row) const {
   return entry;
 }
 
+std::u16string_view AddressBook::name(Record const &record) const {
+  return {text_.data() + record.text, record.name};
+}
+
+std::u16string_view AddressBook::number(Record const &record) const {
+  return {text_.data() + record.text + record.name, record.number};
+}
+
 void AddressBook::sort(CaseFold &fold) {
-  constexpr std::size_t kUsualKey = 32;
+  constexpr std::size_t kUsualKey = 24;
   std::string text;
   text.reserve(records_.size() * kUsualKey);
   std::vector<SortKey> keys(records_.size());
-  for (std::size_t row = 0; row < keys.size(); ++row) {
-    if (text.size() > kMaximum / 2) throw std::length_error("address book");
-    Record const &record = records_[order_[row]];
-    std::u16string_view const name(text_.data() + record.text, record.name);
-    std::u16string_view const number(name.data() + name.size(), record.number);
-    SortKey &key = keys[row];
+  auto const set_key = [&fold](SortKey &key, std::size_t row, std::string &folded, std::u16string_view units) {
+    if (folded.size() > kMaximum / 2) throw std::length_error("address book");
     key.row = static_cast<std::uint32_t>(row);
-    key.begin = static_cast<std::uint32_t>(text.size());
-    fold.append(text, name);
-    key.name_length = static_cast<std::uint32_t>(text.size() - key.begin);
-    text += '\0';
-    fold.append(text, number);
-    key.length = static_cast<std::uint32_t>(text.size() - key.begin);
-    key.head = head_at(text.data(), key, 0);
-  }
+    key.begin = static_cast<std::uint32_t>(folded.size());
+    fold.append(folded, units);
+    key.length = static_cast<std::uint32_t>(folded.size() - key.begin);
+    key.head = head_at(folded.data(), key, 0);
+    folded += '\0';
+  };
+  for (std::size_t row = 0; row < keys.size(); ++row) set_key(keys[row], row, text, name(records_[order_[row]]));
   sort_keys(keys, text.data(), 0);
 
+  auto const same_text = [&text](SortKey const &left, SortKey const &right) {
+    return left.length == right.length &&
+           std::memcmp(text.data() + left.begin, text.data() + right.begin, left.length) == 0;
+  };
+  for (std::size_t first = 0; first < keys.size();) {
+    std::size_t last = first + 1;
+    while (last < keys.size() && same_text(keys[first], keys[last])) ++last;
+    if (last - first > 1) {
+      std::string numbers;
+      std::vector<SortKey> same(last - first);
+      for (std::size_t at = 0; at < same.size(); ++at) {
+        std::uint32_t const row = keys[first + at].row;
+        set_key(same[at], row, numbers, number(records_[order_[row]]));
+      }
+      sort_keys(same, numbers.data(), 0);
+      for (std::size_t at = 0; at < same.size(); ++at) keys[first + at].row = same[at].row;
+    }
+    first = last;
+  }
+
   std::size_t length = 0;
-  for (SortKey const &key : keys) length += key.name_length + 1;
+  for (SortKey const &key : keys) length += key.length + 1;
   std::string names;
   names.reserve(length);
   std::vector<std::uint32_t> starts;
@@ -183,7 +233,7 @@ void AddressBook::sort(CaseFold &fold) {
   order.reserve(keys.size());
   for (SortKey const &key : keys) {
     starts.push_back(static_cast<std::uint32_t>(names.size()));
-    names.append(text, key.begin, key.name_length + 1);
+    names.append(text, key.begin, key.length + 1);
     order.push_back(order_[key.row]);
   }
   starts.push_back(static_cast<std::uint32_t>(names.size()));

@@ -84,6 +84,8 @@ class AddressBook {
 
   void add(Record record, std::u16string_view name, std::u16string_view number, std::u16string_view company,
            std::u16string_view note);
+  std::u16string_view name(Record const &record) const;
+  std::u16string_view number(Record const &record) const;
   template <typename RowAt>
   GroupMembers members_of(std::span<std::uint16_t const> ids, std::size_t count, RowAt row_at) const;
 

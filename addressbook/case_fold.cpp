@@ -42,6 +42,7 @@ CaseFold::Written const &CaseFold::ask(char16_t unit) {
   if (!bytes.empty() && bytes.size() <= written.bytes.size()) {
     std::copy(bytes.begin(), bytes.end(), written.bytes.begin());
     written.length = static_cast<std::uint8_t>(bytes.size());
+    if (unit < ascii_.size() && written.length == 1) ascii_[unit] = bytes[0];
   } else {
     long_[unit] = bytes;
     written.length = kLong;
@@ -54,6 +55,10 @@ void CaseFold::append(std::string &out, std::u16string_view text) {
   constexpr std::size_t kRoom = sizeof(Written::bytes);
   std::size_t used = 0;
   for (char16_t const unit : text) {
+    if (unit < ascii_.size() && ascii_[unit] != 0 && used < buffer.size()) {
+      buffer[used++] = ascii_[unit];
+      continue;
+    }
     auto const &page = pages_[unit / kPageSize];
     Written const *written = page == nullptr ? nullptr : &(*page)[unit % kPageSize];
     if (written == nullptr || written->length == 0) written = &ask(unit);

@@ -54,6 +54,7 @@ class CaseFold {
 
   Fold fold_;
   Continues continues_;
+  std::array<char, 0x80> ascii_{};  // the folds that are one byte; 0: not asked yet, or longer
   std::array<std::unique_ptr<std::array<Written, kPageSize>>, kPageSize> pages_;
   std::unordered_map<char16_t, std::string> long_;
 };

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -18,6 +19,13 @@ constexpr std::size_t kEscapedEnough = 1023;
 
 // Text with its NUL, at most 255 bytes.
 using Text = std::array<char, 256>;
+
+// Whether one of the four units is 0: taking 1 from each borrows into the highest bit of the first such unit.
+bool holds_zero_unit(UniChar const *four) {
+  std::uint64_t units;
+  std::memcpy(&units, four, sizeof(units));
+  return ((units - 0x0001000100010001u) & ~units & 0x8000800080008000u) != 0;
+}
 
 bool get_text(CFStringRef string, CFStringEncoding encoding, Text &text) {
   return CFStringGetCString(string, text.data(), text.size(), encoding);
@@ -87,6 +95,8 @@ CFStringRef CopyDecodedString(CFStringRef string, CFStringEncoding encoding) {
 SInt32 unicharLength(UniChar const *buffer, SInt32 size) {
   if (buffer == nullptr || size < 2) return -1;
   UniChar const *const end = buffer + size / 2;
-  UniChar const *const terminator = std::find(buffer, end, UniChar{0});
+  UniChar const *at = buffer;
+  while (end - at >= 4 && !holds_zero_unit(at)) at += 4;
+  UniChar const *const terminator = std::find(at, end, UniChar{0});
   return terminator == end ? -1 : static_cast<SInt32>(terminator - buffer);
 }
