@@ -15,6 +15,7 @@
 - (NSString *)getIndexKey:(NSString *)name;
 - (void)createDialogWithTabSelection:(int)index;
 - (void)setPassword:(NSString *)password;
+- (void)awakeFromNib;
 - (void)initPCAdressBookTab;
 - (void)initDeviceAddressTab;
 - (void)sortPCAddressData:(id)sender;
@@ -689,6 +690,30 @@ TEST_F(AddressDialogTest, HelpOpensThePageAboutRecipients) {
   [book_ showHelpBook:nil];
   ASSERT_EQ(fakes().help_pages.size(), 1u);
   EXPECT_EQ(fakes().help_pages[0], "DirectFax Help|Recipients.htm|");
+}
+
+// A host that has its own nib, with plain list controllers in it.
+TEST_F(AddressDialogTest, ListsOfTheToolkitsOwnClassWorkToo) {
+  id own = [[test::class_named("AddressBookController") alloc] init];
+  for (NSString *list : {@"addressArrayController", @"pcAddressList", @"deviceAddressList", @"groupMemberList"})
+    [own setValue:[[[NSArrayController alloc] initWithContent:[NSMutableArray array]] autorelease] forKey:list];
+  [own setValue:files_ forKey:@"addressFileList"];
+  [own awakeFromNib];
+  NSArrayController *list = [own valueForKey:@"pcAddressList"];
+  test::stand_in().files["/books/a.gad"] = some();
+  [own initPCAdressBookTab];
+  EXPECT_EQ(shown(list), "Zoe:55 mixed:Group Dana:33 Bob:66 bob:22 Board:Group anne:44 Anne:11");
+  [own sortPCAddressData:typed(@"bo")];
+  EXPECT_EQ(shown(list), "Bob:66 bob:22 Board:Group");
+  [own setValue:[NSArray arrayWithArray:[own valueForKey:@"originalPCAddressList"]] forKey:@"originalPCAddressList"];
+  [own sortPCAddressData:typed(@"AN")];
+  EXPECT_EQ(shown(list), "Dana:33 anne:44 Anne:11");
+  [own sortPCAddressData:typed(@"")];
+  select(list, {"Board"});
+  EXPECT_TRUE([[own valueForKey:@"canShowPCAddressProperty"] boolValue]);
+  [own addSelectedPCAddressData:nil];
+  EXPECT_EQ(shown([own valueForKey:@"addressArrayController"]), "Zoe:55 Dana:33 Anne:11");
+  [own release];
 }
 
 TEST_F(AddressDialogTest, AControllerWithoutANibDoesNothing) {
