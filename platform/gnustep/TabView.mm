@@ -1,6 +1,7 @@
 // NSTabView from Xcode's documents has a selected tab: the one marked, else the first. Selecting the tab that is
 // selected tells the delegate nothing, as on macOS. Selecting another leaves the order of its views for the keyboard as the
-// document has it: the toolkit would join the last of them to the first, and the keyboard could not leave the tab.
+// document has it: the toolkit would join the last of them to the first, and the keyboard could not leave the tab. After a
+// last view that has no next one comes what came after the tab that was selected before.
 #import <AppKit/AppKit.h>
 
 #include "platform/gnustep/repair.h"
@@ -42,6 +43,10 @@ fax::Repair<void(NSTabViewItem *)> select_item{
       NSView *first = [item initialFirstResponder];
       NSView *last = last_key_view(first, [item view]);
       NSView *next = [last nextKeyView];
+      if (next == nil) {
+        NSTabViewItem *before = [view selectedTabViewItem];
+        next = [last_key_view([before initialFirstResponder], [before view]) nextKeyView];
+      }
       select_item(self, command, item);
       if (last == nil || [view selectedTabViewItem] != item) return;
       [last setNextKeyView:next];
