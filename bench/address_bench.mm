@@ -34,7 +34,7 @@ double resident_mebibytes() {
 
 class Bench {
  public:
-  Bench(unsigned seed, std::string folder) : seed_(seed), folder_(std::move(folder)), dialog_(open_book_dialog(folder_)) {}
+  Bench(unsigned seed, std::string folder) : seed_(seed), folder_(std::move(folder)), dialog_(open_book_dialog()) {}
 
   void run(std::size_t entries) {
     std::string const path = folder_ + "/" + std::to_string(entries) + ".gad";

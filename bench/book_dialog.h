@@ -1,4 +1,5 @@
-// The address-book dialog of the bundle as it was built, on the screen, with the library as it was built.
+// The address-book dialog of the bundle as it was built, on the screen. It reads with the library that it would find
+// otherwise: an installed one first, else the one that was built with it.
 #pragma once
 #import <AppKit/AppKit.h>
 
@@ -22,8 +23,8 @@ struct BookDialog {
   NSWindow *window;
 };
 
-// The bundle is put together in folder, with the library inside. std::runtime_error when it does not load.
-BookDialog open_book_dialog(std::string const &folder);
+// std::runtime_error when it does not load.
+BookDialog open_book_dialog();
 
 // The file that the dialog reads next.
 void choose_file(BookDialog const &dialog, std::string const &path);

@@ -3,7 +3,6 @@
 #import <GNUstepGUI/GSDisplayServer.h>
 #include <X11/Xlib.h>
 
-#include <filesystem>
 #include <stdexcept>
 
 @interface NSBundle (BookDialogNib)
@@ -23,19 +22,10 @@ namespace fax::bench {
 
 namespace {
 
-namespace fs = std::filesystem;
-
-NSBundle *load_bundle(fs::path const &folder) {
-  fs::path const bundle = folder / "DirectFax.bundle";
-  fs::copy(BUNDLE_PATH, bundle, fs::copy_options::recursive | fs::copy_options::copy_symlinks);
-  fs::path const library = bundle / "Frameworks/QUOLTANIS.framework/Versions/A/QUOLTANIS";
-  if (!fs::exists(library)) {
-    fs::create_directories(library.parent_path());
-    fs::create_symlink(LIBRARY_PATH, library);
-  }
-  NSBundle *loaded = [NSBundle bundleWithPath:[NSString stringWithUTF8String:bundle.c_str()]];
-  if (![loaded load]) throw std::runtime_error("the bundle does not load");
-  return loaded;
+NSBundle *load_bundle() {
+  NSBundle *bundle = [NSBundle bundleWithPath:[NSString stringWithUTF8String:BUNDLE_PATH]];
+  if (![bundle load]) throw std::runtime_error("the bundle does not load");
+  return bundle;
 }
 
 NSSearchField *search_field(NSView *view) {
@@ -61,10 +51,10 @@ void settle() {
 
 }  // namespace
 
-BookDialog open_book_dialog(std::string const &folder) {
+BookDialog open_book_dialog() {
   BookDialogOwner *owner = [[BookDialogOwner alloc] init];
   NSArray *objects = nil;
-  if (![load_bundle(folder) loadNibNamed:@"FaxSetting" owner:owner topLevelObjects:&objects]) {
+  if (![load_bundle() loadNibNamed:@"FaxSetting" owner:owner topLevelObjects:&objects]) {
     throw std::runtime_error("the dialog's document does not load");
   }
   [objects retain];
