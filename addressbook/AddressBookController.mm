@@ -8,6 +8,7 @@
 #include "addressbook/destination_rules.h"
 #include "addressbook/device_version.h"
 #include "addressbook/library.h"
+#import "addressbook/same_text.h"
 #include "support/help.h"
 #import "view/alert.h"
 
@@ -410,8 +411,8 @@ NSString *complaint(NSString *reader, fax::ReadEnd end) {
   NSString *number = [entry valueForKey:@"phoneNumber"];
   NSEnumerator *destinations = [[addressArrayController arrangedObjects] objectEnumerator];
   while (id destination = [destinations nextObject]) {
-    if ([[destination valueForKey:@"name"] isEqualToString:name] &&
-        [[destination valueForKey:@"phoneNumber"] isEqualToString:number])
+    if (fax::same_text([destination valueForKey:@"name"], name) &&
+        fax::same_text([destination valueForKey:@"phoneNumber"], number))
       return YES;
   }
   return NO;

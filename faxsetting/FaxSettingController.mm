@@ -4,6 +4,7 @@
 #import "addressbook/AddressInformation.h"
 #include "addressbook/destination_rules.h"
 #include "addressbook/library.h"
+#import "addressbook/same_text.h"
 #import "faxsetting/address_files.h"
 #import "faxsetting/FaxSettingView.h"
 #include "faxsetting/job_settings.h"
@@ -21,8 +22,6 @@ AddressInformation *new_destination(NSString *name, NSString *phone_number) {
   [destination setValue:phone_number forKey:@"phoneNumber"];
   return destination;
 }
-
-bool same_text(NSString *one, NSString *other) { return one == other || [one isEqualToString:other]; }
 
 }  // namespace
 
@@ -276,8 +275,8 @@ bool same_text(NSString *one, NSString *other) { return one == other || [one isE
 - (BOOL)holdsDestinationNamed:(NSString *)name phoneNumber:(NSString *)number {
   NSEnumerator *destinations = [[addressArrayController arrangedObjects] objectEnumerator];
   while (id destination = [destinations nextObject]) {
-    if (same_text([destination valueForKey:@"name"], name) &&
-        same_text([destination valueForKey:@"phoneNumber"], number))
+    if (fax::same_text([destination valueForKey:@"name"], name) &&
+        fax::same_text([destination valueForKey:@"phoneNumber"], number))
       return YES;
   }
   return NO;

@@ -27,6 +27,7 @@
 - (void)closeGroupProperty:(id)sender;
 - (void)addSelectedPCAddressData:(id)sender;
 - (void)addSelectedDeviceAddressData:(id)sender;
+- (BOOL)existAddressInDestination:(id)entry;
 - (void)saveAddressSetting:(id)sender;
 - (void)cancelAddressSetting:(id)sender;
 @end
@@ -607,6 +608,20 @@ TEST_F(AddressDialogTest, SelectedEntriesBecomeDestinationsWithOneQuestionAtMost
       EXPECT_EQ(shown(destinations_), row.then);
       [fax_ stopSending:nil];
     }
+}
+
+TEST_F(AddressDialogTest, ADuplicateHasTheSameCharacters) {
+  add(@"Ren\u00e9", @"7");
+  struct {
+    NSString *name, *number;
+    bool there;
+  } const cases[] = {{@"Ren\u00e9", @"7", true}, {@"Rene\u0301", @"7", false}, {@"ren\u00e9", @"7", false},
+                     {@"Ren\u00e9", @"77", false}, {@"Ren", @"7", false}};
+  for (auto const &row : cases) {
+    NSDictionary *entry =
+        [NSDictionary dictionaryWithObjectsAndKeys:row.name, @"name", row.number, @"phoneNumber", nil];
+    EXPECT_EQ([book_ existAddressInDestination:entry], row.there) << utf8(row.name) << " " << utf8(row.number);
+  }
 }
 
 TEST_F(AddressDialogTest, WhatDoesNotFitIsNotAddedAtAll) {

@@ -58,17 +58,19 @@ TEST_F(FaxDialogTest, ADuplicateIsAskedAboutOnce) {
   add(@"Ann", @"123");
   add(@"ann", @"123");
   add(@"Ann", @"1234");
-  EXPECT_TRUE(alerts().empty()) << "letter case and number count";
+  add(@"Andr\u00e9", @"7");
+  add(@"Andre\u0301", @"7");
+  EXPECT_TRUE(alerts().empty()) << "letter case, number and accents count";
   answer({1});
   add(@"Ann", @"123");
   ASSERT_EQ(alerts().size(), 1u);
   EXPECT_EQ(alerts()[0], "Duplicated Address Found|Add the same address to destinations?|OK|Cancel");
-  EXPECT_EQ(count(), 3u);
+  EXPECT_EQ(count(), 5u);
   EXPECT_EQ(field(@"addressName"), "Ann");
   EXPECT_EQ(field(@"addressPhoneNumber"), "123");
   answer({0});
   add(@"Ann", @"123");
-  EXPECT_EQ(count(), 4u);
+  EXPECT_EQ(count(), 6u);
 }
 
 TEST_F(FaxDialogTest, ThirtyIsTheLimitEvenBeforeDuplicates) {
