@@ -88,14 +88,6 @@ std::u16string_view field_text(char16_t const *field, std::size_t limit) {
   return until_zero({field, limit});
 }
 
-void AddressBook::reserve(std::size_t entries) {
-  constexpr std::size_t kUsualUnits = 48;
-  records_.reserve(entries);
-  order_.reserve(entries);
-  ids_.reserve(entries);
-  text_.reserve(entries * kUsualUnits);
-}
-
 void AddressBook::add(Record record, std::u16string_view name, std::u16string_view number, std::u16string_view company,
                       std::u16string_view note) {
   std::u16string_view const texts[] = {name, number, company, note};

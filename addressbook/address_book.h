@@ -41,9 +41,6 @@ struct GroupMembers {
 
 class AddressBook {
  public:
-  // Room for so many entries with texts of usual length: adding them copies nothing twice.
-  void reserve(std::size_t entries);
-
   // The texts are copied; U+0000 in them matches nothing. std::length_error when a text is longer than 65,535 units or
   // the book would hold more than 2^32 units or entries; the book is as before then, as after std::bad_alloc.
   void add_individual(std::uint16_t id, std::u16string_view name, std::u16string_view number,

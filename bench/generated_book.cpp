@@ -54,13 +54,13 @@ std::size_t step_through(std::string const &path) {
   std::unique_ptr<sqlite3, decltype(&sqlite3_close)> const database(raw, sqlite3_close);
   if (status != SQLITE_OK) fail(raw);
   sqlite3_stmt *statement = nullptr;
-  char const *const query = "SELECT id, name, number, company, note FROM individuals ORDER BY id";
+  char const *const query = "SELECT id, name, number, company, note, index_key, registered FROM individuals ORDER BY id";
   if (sqlite3_prepare_v2(raw, query, -1, &statement, nullptr) != SQLITE_OK) fail(raw);
   std::unique_ptr<sqlite3_stmt, decltype(&sqlite3_finalize)> const rows(statement, sqlite3_finalize);
   std::size_t touched = 0;
   while ((status = sqlite3_step(statement)) == SQLITE_ROW) {
-    touched += static_cast<std::size_t>(sqlite3_column_int64(statement, 0));
-    for (int column = 1; column < 5; ++column) {
+    for (int const column : {0, 6}) touched += static_cast<std::size_t>(sqlite3_column_int64(statement, column));
+    for (int column = 1; column < 6; ++column) {
       touched += sqlite3_column_text(statement, column)[0];
       touched += static_cast<std::size_t>(sqlite3_column_bytes(statement, column));
     }
