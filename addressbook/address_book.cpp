@@ -98,21 +98,26 @@ void AddressBook::add(Record record, std::u16string_view name, std::u16string_vi
     *lengths[at] = static_cast<std::uint16_t>(texts[at].size());
     total += texts[at].size();
   }
-  if (text_.size() + total > kMaximum || records_.size() >= kMaximum) throw std::length_error("address book");
-  record.text = static_cast<std::uint32_t>(text_.size());
+  if (blocks_.empty() || total > kBlock - used_) {
+    if (blocks_.size() > kMaximum / kBlock) throw std::length_error("address book");
+    blocks_.push_back(std::make_unique_for_overwrite<char16_t[]>(kBlock));
+    used_ = 0;
+  }
+  record.text = static_cast<std::uint32_t>((blocks_.size() - 1) * kBlock) + used_;
   record.member = !record.group && number != kGroupNumber;
+  char16_t *place = units_at(record.text);
+  for (std::u16string_view const text : texts) place = std::copy(text.begin(), text.end(), place);
   std::size_t const rows = records_.size();
   try {
-    for (std::u16string_view const text : texts) text_ += text;
     records_.push_back(record);
     order_.push_back(static_cast<RowNumber>(rows));
     ids_.push_back(record.member ? record.id : kNoId);
   } catch (...) {
-    text_.resize(record.text);
     records_.resize(rows);
     order_.resize(rows);
     throw;
   }
+  used_ += static_cast<std::uint32_t>(total);
 }
 
 void AddressBook::add_individual(std::uint16_t id, std::u16string_view name, std::u16string_view number,
@@ -149,7 +154,7 @@ void AddressBook::add_group(std::u16string_view name, std::span<std::uint16_t co
 AddressEntry AddressBook::entry(RowNumber row) const {
   std::uint32_t const number = order_[row];
   Record const &record = records_[number];
-  char16_t const *text = text_.data() + record.text;
+  char16_t const *text = units_at(record.text);
   auto const next = [&text](std::uint16_t length) {
     std::u16string_view const field(text, length);
     text += length;
@@ -171,11 +176,11 @@ AddressEntry AddressBook::entry(RowNumber row) const {
 }
 
 std::u16string_view AddressBook::name(Record const &record) const {
-  return {text_.data() + record.text, record.name};
+  return {units_at(record.text), record.name};
 }
 
 std::u16string_view AddressBook::number(Record const &record) const {
-  return {text_.data() + record.text + record.name, record.number};
+  return {units_at(record.text) + record.name, record.number};
 }
 
 void AddressBook::sort(CaseFold &fold) {

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
@@ -68,7 +69,7 @@ class AddressBook {
 
  private:
   struct Record {
-    std::uint32_t text = 0;  // where name, number, company, note begin in text_, one behind the other
+    std::uint32_t text = 0;  // place of name, number, company, note, one behind the other (units_at)
     std::uint16_t name = 0, number = 0, company = 0, note = 0;
     std::uint16_t id = 0;
     bool group = false, details = false;
@@ -81,12 +82,17 @@ class AddressBook {
 
   void add(Record record, std::u16string_view name, std::u16string_view number, std::u16string_view company,
            std::u16string_view note);
+  // Place n is unit n % kBlock of block n / kBlock.
+  char16_t *units_at(std::uint32_t place) const { return blocks_[place / kBlock].get() + place % kBlock; }
   std::u16string_view name(Record const &record) const;
   std::u16string_view number(Record const &record) const;
   template <typename RowAt>
   GroupMembers members_of(std::span<std::uint16_t const> ids, std::size_t count, RowAt row_at) const;
 
-  std::u16string text_;
+  // Texts are never moved: a block is full when the next entry's do not fit.
+  static constexpr std::uint32_t kBlock = 1u << 18;  // units, enough for the longest entry
+  std::vector<std::unique_ptr<char16_t[]>> blocks_;
+  std::uint32_t used_ = 0;  // of the last block
   std::vector<Record> records_;
   std::vector<Members> groups_;  // ascending by record
   std::vector<std::uint16_t> member_ids_;
