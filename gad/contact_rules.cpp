@@ -1,6 +1,6 @@
 #include "gad/contact_rules.h"
 
-#include "faxsetting/destination_rules.h"
+#include "addressbook/destination_rules.h"
 #include "gad/text.h"
 #include "quoltanis/gad_file.h"
 
