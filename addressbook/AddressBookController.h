@@ -2,7 +2,7 @@
 // (tab 1).
 //
 // Owned by the nib "FaxSetting". It edits the fax dialog's destination list in place; Cancel puts back what the list held
-// at opening. Rows of both tabs are address entries (address_entries.h).
+// at opening. Rows of both tabs are address entries (AddressRows.h).
 #pragma once
 #import <AppKit/AppKit.h>
 
@@ -28,8 +28,8 @@
   ppd_file_t *ppd;  // the host's; may be NULL
   NSString *printerAddress;
   NSArray *oldAddresses;  // the destinations at opening
-  NSMutableArray *originalPCAddressList;  // every entry that was read, in the order of the list
-  NSMutableArray *originalDeviceAddressList;
+  NSArray *originalPCAddressList;  // every entry that was read, in the order of the list
+  NSArray *originalDeviceAddressList;
   NSString *pcAddressSearchField;
   NSString *deviceAddressSearchField;
 

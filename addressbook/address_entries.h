@@ -1,28 +1,25 @@
-// The rows of an address book: dictionaries with the keys "Id" (number), "name", "phoneNumber", for individuals of a file
-// "company" and "note", for groups "userIDList" (numbers). A group is what has the number "Group".
+// The entries of an address book between the library and a list of the dialog.
 #pragma once
 
+#include "addressbook/address_book.h"
 #include "addressbook/address_reading.h"
 
-#import <Foundation/Foundation.h>
+#import <AppKit/AppKit.h>
 
 namespace fax {
 
-// A visitor that appends an entry for whatever it is given. The array is the caller's and has to outlive it.
-AddressVisitor collect_file_entries(NSMutableArray *entries);
-AddressVisitor collect_device_entries(NSMutableArray *entries);
+// Visitors that put into book whatever they are given; the book has to outlive them. The printer's entries know no
+// company and no note.
+AddressVisitor file_entries_into(AddressBook &book);
+AddressVisitor device_entries_into(AddressBook &book);
 
+// A group is what has the number "Group".
 bool is_group(id entry);
+
+// The list shows these entries in place of others; none is selected.
+void show_entries(NSArrayController *list, NSArray *entries);
 
 // The entries whose name holds text, in whatever letter case, in their order; all of them when text is nil or empty.
 NSArray *matching_entries(NSArray *entries, NSString *text);
-
-struct Expansion {
-  NSArray *members;  // autoreleased, in the order of shown
-  bool complete;     // is there nobody in the group's list who is not shown?
-};
-
-// The individuals among shown that the group lists; one that it lists twice is there once.
-Expansion expand_group(id group, NSArray *shown);
 
 }  // namespace fax

@@ -1,56 +1,42 @@
 #import "addressbook/address_entries.h"
 
-#include <set>
+#import "addressbook/AddressListController.h"
+#import "addressbook/AddressRows.h"
 
 namespace fax {
 
 namespace {
 
-NSString *const kGroupNumber = @"Group";
-
-NSString *text_from(std::u16string_view units) {
-  return [NSString stringWithCharacters:reinterpret_cast<unichar const *>(units.data()) length:units.size()];
-}
-
-NSMutableDictionary *named_entry(std::u16string_view name, NSString *number) {
-  return [NSMutableDictionary dictionaryWithObjectsAndKeys:text_from(name), @"name", number, @"phoneNumber", nil];
-}
-
-NSMutableDictionary *individual_entry(Individual const &individual) {
-  NSMutableDictionary *entry = named_entry(individual.name, text_from(individual.phone_number));
-  [entry setObject:[NSNumber numberWithUnsignedShort:individual.id] forKey:@"Id"];
-  return entry;
-}
-
-NSMutableDictionary *group_entry(Group const &group) {
-  NSMutableDictionary *entry = named_entry(group.name, kGroupNumber);
-  NSMutableArray *members = [NSMutableArray arrayWithCapacity:group.members.size()];
-  for (std::uint16_t const member : group.members) [members addObject:[NSNumber numberWithUnsignedShort:member]];
-  [entry setObject:members forKey:@"userIDList"];
-  return entry;
+AddressVisitor entries_into(AddressBook &book, std::function<void(Individual const &)> individual) {
+  return {std::move(individual), [&book](Group const &group) { book.add_group(group.name, group.members); }};
 }
 
 }  // namespace
 
-AddressVisitor collect_file_entries(NSMutableArray *entries) {
-  return {[entries](Individual const &individual) {
-            NSMutableDictionary *entry = individual_entry(individual);
-            [entry setObject:text_from(individual.company) forKey:@"company"];
-            [entry setObject:text_from(individual.note) forKey:@"note"];
-            [entries addObject:entry];
-          },
-          [entries](Group const &group) { [entries addObject:group_entry(group)]; }};
+AddressVisitor file_entries_into(AddressBook &book) {
+  return entries_into(book, [&book](Individual const &individual) {
+    book.add_individual(individual.id, individual.name, individual.phone_number, individual.company, individual.note);
+  });
 }
 
-AddressVisitor collect_device_entries(NSMutableArray *entries) {
-  return {[entries](Individual const &individual) { [entries addObject:individual_entry(individual)]; },
-          [entries](Group const &group) { [entries addObject:group_entry(group)]; }};
+AddressVisitor device_entries_into(AddressBook &book) {
+  return entries_into(book, [&book](Individual const &individual) {
+    book.add_individual(individual.id, individual.name, individual.phone_number);
+  });
 }
 
-bool is_group(id entry) { return [[entry valueForKey:@"phoneNumber"] isEqual:kGroupNumber]; }
+bool is_group(id entry) { return [[entry valueForKey:@"phoneNumber"] isEqual:@"Group"]; }
+
+void show_entries(NSArrayController *list, NSArray *entries) {
+  if ([list isKindOfClass:[AddressListController class]])
+    [(AddressListController *)list showRows:entries];
+  else
+    [list setContent:[NSMutableArray arrayWithArray:entries]];
+}
 
 NSArray *matching_entries(NSArray *entries, NSString *text) {
   if ([text length] == 0) return entries;
+  if ([entries isKindOfClass:[AddressRows class]]) return [(AddressRows *)entries rowsNamed:text];
   NSMutableArray *found = [NSMutableArray array];
   NSEnumerator *each = [entries objectEnumerator];
   while (id entry = [each nextObject]) {
@@ -59,22 +45,6 @@ NSArray *matching_entries(NSArray *entries, NSString *text) {
       [found addObject:entry];
   }
   return found;
-}
-
-Expansion expand_group(id group, NSArray *shown) {
-  std::multiset<long long> pending;
-  NSEnumerator *ids = [[group valueForKey:@"userIDList"] objectEnumerator];
-  while (NSNumber *number = [ids nextObject]) pending.insert([number longLongValue]);
-  NSMutableArray *members = [NSMutableArray array];
-  NSEnumerator *each = [shown objectEnumerator];
-  while (id entry = [each nextObject]) {
-    if (is_group(entry)) continue;
-    auto const listed = pending.find([[entry valueForKey:@"Id"] longLongValue]);
-    if (listed == pending.end()) continue;
-    pending.erase(listed);
-    [members addObject:entry];
-  }
-  return {members, pending.empty()};
 }
 
 }  // namespace fax

@@ -58,6 +58,7 @@ TEST(Loading, ByDlopenIntoARunningProgram) {
   EXPECT_EQ([[controller selectedObjects] lastObject], @"Ann");
   NSTabView *untouched = [[[NSTabView alloc] initWithFrame:NSMakeRect(0, 0, 10, 10)] autorelease];
   EXPECT_EQ([untouched numberOfTabViewItems], 0);
+  EXPECT_EQ(std::string([[[[[NSAlert alloc] init] autorelease] informativeText] UTF8String]), "");
   [pool release];
 }
 
