@@ -5,7 +5,8 @@
 
 ROOT is a Debian with the package and CUPS, a user fax-sender, and /tmp/letter.pdf. Everything of the product and of CUPS
 that runs is what is installed there, with the settings that Debian gives it; the X server, the keys and the device are
-ours. Exit code 0 only when the driver's ticket and what reached the device are what was entered and sent.
+ours. One recipient is typed, the other chosen from an address book that gad made. Exit code 0 only when the driver's
+ticket and what reached the device are what was entered and sent.
 """
 
 import json
@@ -19,7 +20,11 @@ import threading
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "script"))
 import tour  # noqa: E402
 
-NAME, NUMBER = "Anna Berg", "030-1234567"
+SENDER = "fax-sender"
+TYPED = ("Anna Berg", "030-1234567")
+CHOSEN = ("Erika Muster", "040-7654321")
+BOOKS = f"/home/{SENDER}/.local/share/directfax/addressbooks"
+BOOK_DIALOG = "Address Book"
 MODEL = "lsb/usr/directfax/norvalt-fax.ppd"
 
 
@@ -51,8 +56,8 @@ class Root:
         settings = {"PATH": "/usr/sbin:/usr/bin:/sbin:/bin", "HOME": home, "LC_ALL": "C.UTF-8", **variables}
         return ["chroot", *who, self.folder, "env", "-i", *(f"{k}={v}" for k, v in settings.items()), *words]
 
-    def run(self, *words):
-        return tour.run(*self.command(*words))
+    def run(self, *words, user=None):
+        return tour.run(*self.command(*words, user=user))
 
     def start(self, log, *words, **how):
         with open(self.path(log), "wb") as output:
@@ -68,19 +73,48 @@ def make_queue(root, device):
     print(f"Queue: {root.run('lpstat', '-p', 'fax').splitlines()[0]}")
 
 
+def make_book(root):
+    book = f"{BOOKS}/office.gad"
+    root.run("mkdir", "-p", BOOKS, user=SENDER)
+    root.run("gad", "create", book, user=SENDER)
+    root.run("gad", "add", book, *CHOSEN, user=SENDER)
+    print(f"Address book: {root.run('gad', 'list', book, user=SENDER).strip()}")
+
+
+def choose_from_book(screen):
+    screen.press(tour.FAX_DIALOG, "From Address Book...")
+    tables = tour.wait_for("the address book", lambda: [
+        c for c in (screen.window(BOOK_DIALOG) or {"controls": []})["controls"] if c["class"] == "NSTableView"])
+    left, top, width, _ = tables[0]["frame"]
+    screen.click((left, top, width, 20))
+    screen.press(BOOK_DIALOG, "Add")
+    screen.press(BOOK_DIALOG, "OK")
+    tour.wait_for("the address book to close", lambda: not screen.window(BOOK_DIALOG))
+
+
+def type_recipient(screen):
+    name, number = TYPED
+    screen.enter(tour.FAX_DIALOG, "Name", name)
+    screen.enter(tour.FAX_DIALOG, "Fax Number", number)
+    screen.press(tour.FAX_DIALOG, "Add")
+    screen.control(tour.FAX_DIALOG, "Name", "TextField", value="")
+
+
 def send(root):
-    dialog = root.start("/tmp/faxprint.log", "faxprint", "--printer", "fax", "--ui-map", "/home/fax-sender/map.json",
-                        "/tmp/letter.pdf", user="fax-sender", DISPLAY=os.environ["DISPLAY"])
-    screen = tour.Screen(root.path("/home/fax-sender/map.json"), None, dialog)
+    map_file = f"/home/{SENDER}/map.json"
+    dialog = root.start("/tmp/faxprint.log", "faxprint", "--printer", "fax", "--ui-map", map_file, "/tmp/letter.pdf",
+                        user=SENDER, DISPLAY=os.environ["DISPLAY"])
+    screen = tour.Screen(root.path(map_file), None, dialog)
     try:
         panel = tour.wait_for("the print dialog", lambda: next(
             (w["title"] for w in screen.windows() if any("Print" == c["title"] for c in w["controls"])), None))
         screen.press(panel, "Print")
         screen.wait_window(tour.FAX_DIALOG)
-        screen.enter(tour.FAX_DIALOG, "Name", NAME)
-        screen.enter(tour.FAX_DIALOG, "Fax Number", NUMBER)
-        screen.press(tour.FAX_DIALOG, "Add")
-        screen.control(tour.FAX_DIALOG, "Name", "TextField", value="")
+        type_recipient(screen)
+        choose_from_book(screen)
+        with open(f"/proc/{dialog.pid}/maps", encoding="utf-8") as maps:
+            loaded = sorted({line.split()[-1].removeprefix(root.folder) for line in maps if "/directfax/" in line})
+        print("\n".join(["Loaded:", *loaded]))
         screen.press(tour.FAX_DIALOG, "Start")
         told = tour.wait_for("the message that the job was handed over", lambda: next(
             (c for w in screen.windows() for c in w["controls"] if c["title"] == "OK" and c["enabled"]), None))
@@ -111,7 +145,9 @@ def compare(root, device):
     got = {"destinations": ticket["destinations"], "user": ticket["user"], "title": ticket["title"],
            "ticket": (pwd.getpwuid(state.st_uid).pw_name, oct(state.st_mode & 0o777)),
            "kept": kept == letter, "received": device.received == letter}
-    wanted = {"destinations": [{"name": NAME, "phoneNumber": NUMBER}], "user": "fax-sender", "title": "letter",
+    # The list is sent in descending order of its names.
+    recipients = [{"name": name, "phoneNumber": number} for name, number in sorted([TYPED, CHOSEN], reverse=True)]
+    wanted = {"destinations": recipients, "user": SENDER, "title": "letter",
               "ticket": ("lp", "0o600"), "kept": True, "received": True}
     if wrong := tour.differences(got, wanted):
         raise tour.TourError("\n".join(wrong))
@@ -124,6 +160,7 @@ def main():
     service = root.start("/tmp/cupsd.log", "cupsd", "-f")
     try:
         make_queue(root, device)
+        make_book(root)
         send(root)
         compare(root, device)
     except (tour.TourError, subprocess.TimeoutExpired) as error:

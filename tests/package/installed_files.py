@@ -33,6 +33,7 @@ LINKS = {"/usr/bin/faxprint": f"{HOME}/faxprint.app/faxprint",
          f"{FRAMEWORK}/Versions/Current": f"{FRAMEWORK}/Versions/A"}
 TEXTS = {PPD, *PAGES, DESKTOP, METAINFO, CHANGELOG, f"/usr/share/icons/hicolor/scalable/apps/{ID}.svg",
          "/usr/share/bash-completion/completions/faxprint", "/usr/share/bash-completion/completions/gad",
+         "/usr/share/zsh/vendor-completions/_faxprint", "/usr/share/zsh/vendor-completions/_gad",
          "/usr/share/doc/directfax/copyright"}
 # Their files are counted by the sources: what lies there is what is installed.
 RESOURCES = {f"{BUNDLE}/Resources/": "resources", f"{HOME}/faxprint.app/Resources/": "host/resources"}
