@@ -2,6 +2,7 @@
 
 #import <Cocoa/Cocoa.h>
 
+#include <algorithm>
 #include <map>
 
 #import "faxsetting/FaxSettingController.h"
@@ -28,8 +29,8 @@ constexpr NSTimeInterval kServiceTimeout = 5.0;
 constexpr std::size_t kHostRoom = 4096;
 
 // Services under way. A service does not keep its delegate, so a panel that goes away must end its own first.
-std::map<id, NSNetService *> &services_under_way() {
-  static std::map<id, NSNetService *> services;
+std::multimap<id, NSNetService *> &services_under_way() {
+  static std::multimap<id, NSNetService *> services;
   return services;
 }
 
@@ -100,12 +101,12 @@ std::optional<std::string_view> choice_text(NSDictionary *choices, char const *k
 }
 
 - (void)dealloc {
-  auto const under_way = services_under_way().find(self);
-  if (under_way != services_under_way().end()) {
-    [under_way->second setDelegate:nil];
-    end_service(under_way->second);
-    services_under_way().erase(under_way);
+  auto const [first, last] = services_under_way().equal_range(self);
+  for (auto service = first; service != last; ++service) {
+    [service->second setDelegate:nil];
+    end_service(service->second);
   }
+  services_under_way().erase(self);
   [ppdFeatures release];
   [senderNameFieldFormatter release];
   [addressBookEditorPath release];
@@ -366,7 +367,7 @@ std::optional<std::string_view> choice_text(NSDictionary *choices, char const *k
                                                           type:[NSString stringWithUTF8String:parts->type.c_str()]
                                                           name:[NSString stringWithUTF8String:parts->name.c_str()]];
   if (service == nil) return;
-  services_under_way()[self] = service;
+  services_under_way().emplace(self, service);
   [service setDelegate:(id)self];
   [service resolveWithTimeout:kServiceTimeout];
 }
@@ -398,7 +399,9 @@ std::optional<std::string_view> choice_text(NSDictionary *choices, char const *k
 }
 
 - (void)endService:(NSNetService *)service {
-  services_under_way().erase(self);
+  auto const [first, last] = services_under_way().equal_range(self);
+  auto const ended = std::find_if(first, last, [service](auto const &one) { return one.second == service; });
+  if (ended != last) services_under_way().erase(ended);
   end_service(service);
 }
 

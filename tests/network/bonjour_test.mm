@@ -112,6 +112,8 @@ TEST(Bonjour, APanelMayGoWhileItsPrinterIsLookedFor) {
       turn_loop(0.01);
       std::size_t const files = open_files();
       id panel = test::new_panel(uri);
+      [panel resolveTargetDevice];
+      EXPECT_EQ(test::living_services(), 2);
       turn_loop(age);
       [panel release];
       turn_loop(0.05);
