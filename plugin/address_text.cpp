@@ -18,6 +18,12 @@ template <typename Address> std::optional<Address> read(std::string_view bytes) 
   return address;
 }
 
+// The second byte, where the first one holds the length, as BSD has it; else both.
+int family_of(sockaddr const &address) {
+  unsigned int const family = address.sa_family;
+  return static_cast<int>(family > 0xFF ? family >> 8 : family);
+}
+
 std::optional<std::string> ipv4_text(sockaddr_in const &address) {
   char text[INET_ADDRSTRLEN];
   if (inet_ntop(AF_INET, &address.sin_addr, text, sizeof text) == nullptr) return std::nullopt;
@@ -40,12 +46,12 @@ std::optional<std::string> ipv6_text(sockaddr_in6 const &address) {
 bool is_link_local(unsigned char const *bytes) { return bytes[0] == 0xFE && (bytes[1] & 0xC0) == 0x80; }
 
 AddressText text_of_address(std::string_view bytes) {
-  // Systems lay the family out differently; sa_family reads it on each.
   auto const head = read<sockaddr>(bytes.substr(0, sizeof(sockaddr)));
   if (!head) return {false, std::nullopt};
-  if (head->sa_family == AF_INET)
+  int const family = family_of(*head);
+  if (family == AF_INET)
     if (auto const address = read<sockaddr_in>(bytes)) return {true, ipv4_text(*address)};
-  if (head->sa_family == AF_INET6)
+  if (family == AF_INET6)
     if (auto const address = read<sockaddr_in6>(bytes)) return {true, ipv6_text(*address)};
   return {false, std::nullopt};
 }

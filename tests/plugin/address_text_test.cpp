@@ -35,6 +35,8 @@ std::string ipv6(char const *text, unsigned int scope = 0) {
 TEST(AddressText, NumericTextOfBothFamilies) {
   EXPECT_EQ(fax::text_of_address(ipv4("192.0.2.1")).text, "192.0.2.1");
   EXPECT_EQ(fax::text_of_address(ipv6("2001:db8::1", 1)).text, "2001:db8::1");
+  // With a byte of length before a byte of family.
+  EXPECT_EQ(fax::text_of_address({"\x10\x02\0\x50\xC0\0\x02\x07\0\0\0\0\0\0\0", 16}).text, "192.0.2.7");
 }
 
 TEST(AddressText, ALinkLocalAddressBearsItsInterface) {
