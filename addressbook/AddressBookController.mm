@@ -28,6 +28,10 @@ void keep_array(NSArray **slot, NSArray *array) {
 
 // What the list now shows in place of what it held, in its order; nil, with an empty list, when there is no memory for it.
 NSArray *show_book(NSArrayController *list, fax::AddressBook &&book) {
+  if (![list isKindOfClass:[AddressListController class]]) {
+    fax::show_entries(list, [AddressRows entriesOfBook:std::move(book)]);
+    return [NSArray arrayWithArray:[list arrangedObjects]];
+  }
   NSArray *rows = [AddressRows rowsOfBook:std::move(book)];
   fax::show_entries(list, rows);
   return rows;
@@ -135,23 +139,23 @@ NSString *complaint(NSString *reader, fax::ReadEnd end) {
 }
 
 - (BOOL)canAddPCAddressData {
-  return [[pcAddressList selectionIndexes] count] > 0;
+  return [[pcAddressList selectedObjects] count] > 0;
 }
 
 - (BOOL)canShowPCAddressProperty {
-  return [[pcAddressList selectionIndexes] count] == 1;
+  return [[pcAddressList selectedObjects] count] == 1;
 }
 
 - (BOOL)canAddDeviceAddressData {
-  return [[deviceAddressList selectionIndexes] count] > 0;
+  return [[deviceAddressList selectedObjects] count] > 0;
 }
 
 - (BOOL)canShowDeviceAddressProperty {
-  return [[deviceAddressList selectionIndexes] count] == 1;
+  return [[deviceAddressList selectedObjects] count] == 1;
 }
 
 - (BOOL)canRemoveDestinationAddress {
-  return [[addressArrayController selectionIndexes] count] > 0;
+  return [[addressArrayController selectedObjects] count] > 0;
 }
 
 - (AddressBookView *)view {

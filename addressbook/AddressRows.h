@@ -20,6 +20,10 @@
 // All entries of book, which is taken over and sorted. Autoreleased; nil when there is no memory for it.
 + (AddressRows *)rowsOfBook:(fax::AddressBook &&)book;
 
+// The entries of book, which is taken over, in the order in which they were added, as a plain array. Autoreleased; empty
+// when there is no memory for it.
++ (NSArray *)entriesOfBook:(fax::AddressBook &&)book;
+
 // No entries. Autoreleased.
 + (AddressRows *)noRows;
 

@@ -152,6 +152,16 @@ struct AddressRowsStorage {
   return [[self keys] objectEnumerator];
 }
 
+- (NSUInteger)countByEnumeratingWithState:(NSFastEnumerationState *)state
+                                  objects:(id *)objects
+                                    count:(NSUInteger)room {
+  return [[self keys] countByEnumeratingWithState:state objects:objects count:room];
+}
+
+- (NSEnumerator *)objectEnumerator {
+  return [[self objectsForKeys:[self keys] notFoundMarker:[NSNull null]] objectEnumerator];
+}
+
 - (id)objectForKey:(id)key {
   if (![key isKindOfClass:[NSString class]]) return nil;
   fax::AddressEntry const entry = place->entry();
@@ -225,6 +235,15 @@ AddressRows *new_rows(std::shared_ptr<SharedBook> shared, std::optional<std::vec
     shared->book.sort(toolkit_fold());
     return new_rows(std::move(shared), std::nullopt);
   });
+}
+
++ (NSArray *)entriesOfBook:(fax::AddressBook &&)book {
+  AddressRows *rows = made([&book] {
+    auto shared = std::make_shared<SharedBook>();
+    shared->book = std::move(book);
+    return new_rows(std::move(shared), std::nullopt);
+  });
+  return [NSArray arrayWithArray:rows];
 }
 
 + (AddressRows *)noRows {

@@ -713,9 +713,12 @@ TEST_F(AddressDialogTest, ListsOfTheToolkitsOwnClassWorkToo) {
   for (NSString *list : {@"addressArrayController", @"pcAddressList", @"deviceAddressList", @"groupMemberList"})
     [own setValue:[[[NSArrayController alloc] initWithContent:[NSMutableArray array]] autorelease] forKey:list];
   [own setValue:files_ forKey:@"addressFileList"];
-  [own awakeFromNib];
   NSArrayController *list = [own valueForKey:@"pcAddressList"];
   test::stand_in().files["/books/a.gad"] = some();
+  [own initPCAdressBookTab];
+  EXPECT_EQ(shown(list), "Anne:11 bob:22 Dana:33 anne:44 Zoe:55 Bob:66 Board:Group mixed:Group") << "no order yet";
+  EXPECT_EQ(text_of([own valueForKey:@"originalPCAddressList"]), shown(list));
+  [own awakeFromNib];
   [own initPCAdressBookTab];
   EXPECT_EQ(shown(list), "Zoe:55 mixed:Group Dana:33 Bob:66 bob:22 Board:Group anne:44 Anne:11");
   [own sortPCAddressData:typed(@"bo")];

@@ -51,6 +51,10 @@ TEST_F(AddressRowsTest, ARowIsADictionary) {
     EXPECT_TRUE([[row valueForKey:@"name"] isEqual:[[expected objectAtIndex:at] objectForKey:@"name"]]);
     NSMutableDictionary *copy = [[row mutableCopy] autorelease];
     EXPECT_TRUE([copy isEqual:row]);
+    id values[5] = {}, keys[5] = {};
+    [row getObjects:values andKeys:keys];
+    EXPECT_TRUE([copy isEqual:[NSDictionary dictionaryWithObjects:values forKeys:keys count:[row count]]]);
+    EXPECT_TRUE([[NSSet setWithArray:[row allValues]] isEqual:[NSSet setWithArray:[copy allValues]]]);
   }
   EXPECT_TRUE([rows isEqual:expected]);
   EXPECT_TRUE([[[rows valueForKey:@"name"] componentsJoinedByString:@","] isEqual:@"Cy,Bob,All"]);
