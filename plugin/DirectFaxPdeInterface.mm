@@ -384,8 +384,7 @@ std::optional<std::string_view> choice_text(NSDictionary *choices, char const *k
 
 - (void)resolveTargetDevice {
   CFURLRef url = NULL;
-  PMPrinter printer = [pdePluginCallbackObject PMPrinter];
-  if (printer == NULL || PMPrinterCopyDeviceURI(printer, &url) != noErr || url == NULL) return;
+  if (PMPrinterCopyDeviceURI([pdePluginCallbackObject PMPrinter], &url) != noErr || url == NULL) return;
   char const *text = [(NSString *)CFURLGetString(url) UTF8String];
   if (auto const uri = text != NULL ? fax::split_device_uri(text) : std::nullopt) {
     switch (fax::connection_of(uri->scheme)) {

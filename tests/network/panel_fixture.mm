@@ -40,7 +40,7 @@ OSStatus PMPrinterCopyDeviceURI(PMPrinter, CFURLRef *uri) {
   return NULL;
 }
 - (void *)PMPrinter {
-  return self;  // never looked into: the device URI comes from the function above
+  return NULL;  // that is for PMPrinterCopyDeviceURI to judge
 }
 - (BOOL)willChangePPDOptionKeyValue:(NSString *)keyword ppdChoice:(NSString *)choice {
   return NO;
