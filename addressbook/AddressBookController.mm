@@ -217,7 +217,7 @@ NSString *complaint(NSString *reader, fax::ReadEnd end) {
   NSArray *selected = [NSArray arrayWithArray:[addressArrayController selectedObjects]];
   [addressArrayController removeObjects:[NSArray arrayWithArray:[addressArrayController arrangedObjects]]];
   if (oldAddresses != nil) [addressArrayController addObjects:oldAddresses];
-  [addressArrayController setSelectedObjects:selected];
+  if ([selected count] > 0) [addressArrayController setSelectedObjects:selected];
   [self closeDialog];
 }
 

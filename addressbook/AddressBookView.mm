@@ -11,8 +11,12 @@
 }
 
 - (void)selectTab:(int)index {
-  if (index >= 0 && index < [addressSourceTabView numberOfTabViewItems])
+  if (index < 0) return;
+  try {
     [addressSourceTabView selectTabViewItemAtIndex:index];
+  } catch (...) {
+    // There is no such tab.
+  }
 }
 
 - (int)selectedTabIndex {

@@ -28,10 +28,12 @@ AddressVisitor device_entries_into(AddressBook &book) {
 bool is_group(id entry) { return [[entry valueForKey:@"phoneNumber"] isEqual:@"Group"]; }
 
 void show_entries(NSArrayController *list, NSArray *entries) {
-  if ([list isKindOfClass:[AddressListController class]])
+  if ([list isKindOfClass:[AddressListController class]]) {
     [(AddressListController *)list showRows:entries];
-  else
-    [list setContent:[NSMutableArray arrayWithArray:entries]];
+    return;
+  }
+  [list removeObjects:[NSArray arrayWithArray:[list arrangedObjects]]];
+  [list addObjects:[NSArray arrayWithArray:entries]];
 }
 
 NSArray *matching_entries(NSArray *entries, NSString *text) {

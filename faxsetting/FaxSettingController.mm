@@ -169,7 +169,7 @@ AddressInformation *new_destination(NSString *name, NSString *phone_number) {
 // The files of the library's folder; a sandboxed process cannot read them there and lets the user choose later. Where the
 // library knows no folder or no files, what was known of them stays.
 - (void)listAddressFiles {
-  [addressFileList setContent:[NSMutableArray array]];
+  [addressFileList removeObjects:[NSArray arrayWithArray:[addressFileList arrangedObjects]]];
   fax::Library &library = fax::Library::shared();
   NSString *directory = (NSString *)library.file_directory();
   if (directory == nil) return;

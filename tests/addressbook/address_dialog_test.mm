@@ -32,6 +32,41 @@
 - (void)cancelAddressSetting:(id)sender;
 @end
 
+// A list of the host's own that is no controller and does no more than it must.
+@interface BareList : NSObject {
+ @public
+  NSMutableArray *rows;
+  NSArray *chosen;
+}
+@end
+
+@implementation BareList
+- (id)init {
+  self = [super init];
+  rows = [[NSMutableArray alloc] init];
+  return self;
+}
+- (void)dealloc {
+  [rows release];
+  [super dealloc];
+}
+- (NSArray *)arrangedObjects {
+  return rows;
+}
+- (NSArray *)selectedObjects {
+  return chosen;
+}
+- (void)addObject:(id)object {
+  [rows addObject:object];
+}
+- (void)addObjects:(NSArray *)objects {
+  [rows addObjectsFromArray:objects];
+}
+- (void)removeObjects:(NSArray *)objects {
+  [rows removeObjectsInArray:objects];
+}
+@end
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -731,6 +766,27 @@ TEST_F(AddressDialogTest, ListsOfTheToolkitsOwnClassWorkToo) {
   EXPECT_TRUE([[own valueForKey:@"canShowPCAddressProperty"] boolValue]);
   [own addSelectedPCAddressData:nil];
   EXPECT_EQ(shown([own valueForKey:@"addressArrayController"]), "Zoe:55 Dana:33 Anne:11");
+  [own release];
+}
+
+TEST_F(AddressDialogTest, ListsThatAreNoControllersWorkToo) {
+  id own = [[test::class_named("AddressBookController") alloc] init];
+  BareList *list = [[[BareList alloc] init] autorelease], *chosen = [[[BareList alloc] init] autorelease];
+  [own setValue:list forKey:@"pcAddressList"];
+  [own setValue:chosen forKey:@"addressArrayController"];
+  [own setValue:files_ forKey:@"addressFileList"];
+  test::stand_in().files["/books/a.gad"] = some();
+  [own initPCAdressBookTab];
+  [own initPCAdressBookTab];
+  EXPECT_EQ(text_of(list->rows), "Anne:11 bob:22 Dana:33 anne:44 Zoe:55 Bob:66 Board:Group mixed:Group");
+  [own sortPCAddressData:typed(@"bo")];
+  EXPECT_EQ(text_of(list->rows), "bob:22 Bob:66 Board:Group");
+  list->chosen = [NSArray arrayWithObject:[list->rows objectAtIndex:0]];
+  EXPECT_TRUE([[own valueForKey:@"canShowPCAddressProperty"] boolValue]);
+  [own addSelectedPCAddressData:nil];
+  EXPECT_EQ(text_of(chosen->rows), "bob:22");
+  [own cancelAddressSetting:nil];
+  EXPECT_EQ(text_of(chosen->rows), "") << "as it was at an opening that never was";
   [own release];
 }
 
