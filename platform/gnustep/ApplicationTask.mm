@@ -110,6 +110,6 @@ fax::Repair<id(NSString *, NSArray *)> launched_task{
       [task launch];
       return task;
     },
-    fax::MethodOf::class_object};
+    fax::MethodOf::class_object, fax::HostsOwn::kept};
 
 }  // namespace

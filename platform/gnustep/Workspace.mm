@@ -163,15 +163,17 @@ fax::Repair<NSString *(NSString *)> absolute_path{
       auto const wanted = identifier_of(identifier);
       std::string const found = wanted ? find_wrapper(*wanted) : "";
       return found.empty() ? nil : path_string(found);
-    }};
+    },
+    fax::MethodOf::instance, fax::HostsOwn::kept};
 
 // An array of dictionaries: path, name, process number, and the identifier of those that have one.
-fax::Repair<NSArray *()> launched_applications{"NSWorkspace", "launchedApplications", [](id, SEL) -> NSArray * {
-                                                 NSMutableArray *all = [NSMutableArray array];
-                                                 for (RunningApplication const &each : running_applications())
-                                                   [all addObject:description_of(each)];
-                                                 return all;
-                                               }};
+fax::Repair<NSArray *()> launched_applications{
+    "NSWorkspace", "launchedApplications", [](id, SEL) -> NSArray * {
+      NSMutableArray *all = [NSMutableArray array];
+      for (RunningApplication const &each : running_applications()) [all addObject:description_of(each)];
+      return all;
+    },
+    fax::MethodOf::instance, fax::HostsOwn::kept};
 
 // YES when a running one came forward, or when one has been started; the launch identifier is then the
 // number of the started process.
@@ -188,6 +190,7 @@ fax::Repair<BOOL(NSString *, NSUInteger, id, NSNumber **)> launch_application{
       pid_t const process = start(*wanted);
       if (process != 0 && launched != nullptr) *launched = [NSNumber numberWithInt:process];
       return process != 0 ? YES : NO;
-    }};
+    },
+    fax::MethodOf::instance, fax::HostsOwn::kept};
 
 }  // namespace

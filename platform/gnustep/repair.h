@@ -1,6 +1,7 @@
 // Repairs of the toolkit's own classes: a body put in the place of one method, with the toolkit's body at hand. The
 // host's objects go through it too, so a body does what the toolkit does except for the fault it mends.
 #pragma once
+#include <dlfcn.h>
 #include <objc/runtime.h>
 
 #include <cstdlib>
@@ -10,6 +11,10 @@
 namespace fax {
 
 enum class MethodOf { instance, class_object };
+
+// What becomes of a method that the host has put in the place of the toolkit's before the library is loaded: the repair's
+// body goes around it, or, where it would not ask it, leaves it alone.
+enum class HostsOwn { wrapped, kept };
 
 template <typename Signature>
 class Repair;
@@ -22,12 +27,14 @@ class Repair<Result(Arguments...)> {
  public:
   using Body = Result (*)(id self, SEL command, Arguments...);
 
-  Repair(char const *class_name, char const *selector_name, Body body, MethodOf side = MethodOf::instance) {
+  Repair(char const *class_name, char const *selector_name, Body body, MethodOf side = MethodOf::instance,
+         HostsOwn hosts_own = HostsOwn::wrapped) {
     Class owner = static_cast<Class>(objc_getClass(class_name));
     if (owner == Nil) return;
     if (side == MethodOf::class_object) owner = object_getClass(owner);
     SEL const selector = sel_registerName(selector_name);
     if (CompiledMethod *const own = method_of(owner, selector); own != nullptr) {
+      if (hosts_own == HostsOwn::kept && !same_image(owner, own->body)) return;
       original_ = from_untyped(own->body);
       own->body = to_untyped(body);
       // Adding any method makes the runtime build the dispatch table anew, where there is one already.
@@ -75,6 +82,12 @@ class Repair<Result(Arguments...)> {
     }
     std::free(methods);
     return reinterpret_cast<CompiledMethod *>(found);
+  }
+  // Do a class and a method's body come from one library?
+  static bool same_image(Class owner, IMP body) {
+    Dl_info of_class{}, of_body{};
+    return dladdr(reinterpret_cast<void const *>(owner), &of_class) != 0 &&
+           dladdr(reinterpret_cast<void const *>(body), &of_body) != 0 && of_class.dli_fbase == of_body.dli_fbase;
   }
   static IMP to_untyped(Body body) { return reinterpret_cast<IMP>(reinterpret_cast<Untyped>(body)); }
   static Body from_untyped(IMP body) { return reinterpret_cast<Body>(reinterpret_cast<Untyped>(body)); }

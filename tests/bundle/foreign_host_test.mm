@@ -10,6 +10,23 @@
 - (NSString *)panelName;
 - (BOOL)restoreValuesAndReturnError:(NSError **)error;
 - (BOOL)saveValuesAndReturnError:(NSError **)error;
+- (void)launchAddressBook:(id)sender;
+@end
+
+// The host's own launching of applications, which comes before the toolkit's and before whatever mends that.
+static NSString *launched = nil;
+@implementation NSWorkspace (ForeignHost)
+- (NSArray *)launchedApplications {
+  return [NSArray arrayWithObject:[NSDictionary dictionaryWithObject:@"com.norvalt.tk.o.addressbookeditor"
+                                                              forKey:@"NSApplicationBundleIdentifier"]];
+}
+- (BOOL)launchAppWithBundleIdentifier:(NSString *)identifier
+                              options:(NSWorkspaceLaunchOptions)options
+       additionalEventParamDescriptor:(NSAppleEventDescriptor *)descriptor
+                     launchIdentifier:(NSNumber **)process {
+  launched = identifier;
+  return NO;
+}
 @end
 
 @protocol Factory
@@ -55,6 +72,8 @@ TEST(ForeignHost, LoadsTheBundleAndShowsItsPanel) {
   EXPECT_NE([panel panelView], nil);
   EXPECT_TRUE([panel restoreValuesAndReturnError:NULL]);
   EXPECT_TRUE([panel saveValuesAndReturnError:NULL]);
+  [panel launchAddressBook:nil];
+  EXPECT_TRUE([launched isEqual:@"com.norvalt.tk.o.addressbookeditor"]);
   void *module = dlopen(BUNDLE_PATH "/DirectFax", RTLD_NOW | RTLD_NOLOAD);
   EXPECT_NE(dlsym(module, "XspEncrypt"), nullptr);
   [pool release];
