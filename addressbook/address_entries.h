@@ -16,7 +16,7 @@ AddressVisitor device_entries_into(AddressBook &book);
 // A group is what has the number "Group".
 bool is_group(id entry);
 
-// The list shows these entries in place of others; none is selected.
+// The list shows these entries in place of others; none is selected but by the rules of a list of another class.
 void show_entries(NSArrayController *list, NSArray *entries);
 
 // The entries whose name holds text, in whatever letter case, in their order; all of them when text is nil or empty.
