@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <optional>
 #include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -24,6 +25,7 @@ struct Document::State {
   int descriptor = -1;  // of the file, or -1 for a document in memory
   std::string bytes;    // of a document in memory
   std::uint64_t size = 0;
+  std::optional<timespec> changed;  // the last time somebody did that to a file that is not ours alone
   std::string title;
   std::string path;
   std::string format;
@@ -65,6 +67,7 @@ Result<Document> Document::open(std::string const &path) {
   if (!S_ISREG(about.st_mode)) return cannot_open(path, "is no regular file", "Save the document to a file first.");
   if (about.st_size == 0) return cannot_open(path, "is empty", "Save the document again in the program it comes from.");
   state->size = static_cast<std::uint64_t>(about.st_size);
+  state->changed = about.st_mtim;
   state->title = display_title(path);
   state->path = path;
   Document document(state);
@@ -104,6 +107,14 @@ Result<std::size_t> Document::read(std::uint64_t offset, std::span<char> buffer)
     done += static_cast<std::size_t>(got);
   }
   return done;
+}
+
+bool Document::is_unchanged() const {
+  auto const &then = state_->changed;
+  if (!then) return true;
+  struct stat about {};
+  return fstat(state_->descriptor, &about) == 0 && static_cast<std::uint64_t>(about.st_size) == size() &&
+         about.st_mtim.tv_sec == then->tv_sec && about.st_mtim.tv_nsec == then->tv_nsec;
 }
 
 std::string display_title(std::string const &path) {

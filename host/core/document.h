@@ -33,6 +33,9 @@ public:
   // thread.
   Result<std::size_t> read(std::uint64_t offset, std::span<char> buffer) const;
 
+  // Whether it still holds what it held when it was opened: of a file, by its size and the time of its last change.
+  bool is_unchanged() const;
+
 private:
   struct State;
   explicit Document(std::shared_ptr<State const> state);

@@ -25,8 +25,14 @@ using namespace std::chrono_literals;
 constexpr char kScheduler[] = "/usr/sbin/cupsd";
 constexpr char kHelper[] = "/usr/lib/cups/daemon/cups-exec";
 
-// Keeps the whole argument and the whole document; the options appear under their name only when both are complete.
+// Keeps the whole argument and the whole document; the options appear under their name only when both are complete. A
+// title can make it fail with a message, or have it hang after its second page until it is let go.
 constexpr char kRecorder[] = R"(#!/bin/sh
+case $3 in
+  fail:*) echo "ERROR: ${3#fail:}" >&2; sleep 0.3; exit 1 ;;
+  hang*) echo "INFO: Dialling" >&2; echo "PAGE: 1 1" >&2; echo "PAGE: 2 1" >&2
+    while [ ! -e "$FAX_RECORDS/go" ]; do sleep 0.05; done ;;
+esac
 if [ -n "$6" ]; then cat "$6"; else cat; fi >"$FAX_RECORDS/$1.document"
 printf %s "$5" >"$FAX_RECORDS/$1.part"
 mv "$FAX_RECORDS/$1.part" "$FAX_RECORDS/$1.options"
@@ -90,6 +96,11 @@ PrivateCups::PrivateCups(std::string const &extra) {
                  "<Limit All>\nOrder deny,allow\n</Limit>\n</Policy>\n",
              0644);
 
+  start();
+}
+
+void PrivateCups::start() {
+  std::string const at = folder_.string();
   pid_ = fork();
   if (pid_ == 0) {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
@@ -149,6 +160,8 @@ void PrivateCups::add_queue(std::string const &name, std::string const &ppd, boo
 void PrivateCups::signal(int number) {
   if (pid_ > 0) kill(pid_, number);
 }
+
+void PrivateCups::let_go() { write_file(folder_ / "records/go", "", 0644); }
 
 void PrivateCups::pause() { signal(SIGSTOP); }
 void PrivateCups::resume() { signal(SIGCONT); }

@@ -30,10 +30,15 @@ public:
   // A queue whose documents go to the recording filter. ppd: path of a PPD file, "" for a raw queue. Throws.
   void add_queue(std::string const &name, std::string const &ppd, bool accepting = true);
 
-  // SIGSTOP, SIGCONT, or SIGKILL, after which it is gone.
+  // SIGSTOP, SIGCONT, or SIGKILL, after which it is gone until it is started again.
   void pause();
   void resume();
   void kill_now();
+  void start();
+
+  // The filter fails with the message of a job called "fail:MESSAGE". It hangs on the second page of one whose title
+  // begins with "hang", until this is called.
+  void let_go();
 
   // Jobs of every state that the service has, by number.
   std::vector<int> jobs() const;

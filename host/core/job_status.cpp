@@ -1,0 +1,253 @@
+#include "host/core/job_status.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <optional>
+#include <string_view>
+
+namespace fax::host {
+
+namespace {
+
+std::string text_of(ipp_t *answer, char const *name) {
+  ipp_attribute_t *const found = ippFindAttribute(answer, name, IPP_TAG_ZERO);
+  char const *const text = found != nullptr ? ippGetString(found, 0, nullptr) : nullptr;
+  return text != nullptr ? text : "";
+}
+
+int number_of(ipp_t *answer, char const *name) {
+  ipp_attribute_t *const found = ippFindAttribute(answer, name, IPP_TAG_ZERO);
+  ipp_tag_t const tag = found != nullptr ? ippGetValueTag(found) : IPP_TAG_ZERO;
+  return tag == IPP_TAG_INTEGER || tag == IPP_TAG_ENUM ? ippGetInteger(found, 0) : 0;
+}
+
+std::vector<std::string> reasons_of(ipp_t *answer, char const *name) {
+  std::vector<std::string> reasons;
+  ipp_attribute_t *const found = ippFindAttribute(answer, name, IPP_TAG_KEYWORD);
+  for (int at = 0; found != nullptr && at < ippGetCount(found); ++at) {
+    std::string const reason = ippGetString(found, at, nullptr);
+    if (reason != "none") reasons.push_back(reason);
+  }
+  return reasons;
+}
+
+struct Meaning {
+  std::string_view keyword;
+  char const *text;
+};
+
+char const *meaning_of(std::string_view keyword, auto const &table) {
+  auto const found =
+      std::find_if(table.begin(), table.end(), [&](Meaning const &row) { return row.keyword == keyword; });
+  return found != table.end() ? found->text : nullptr;
+}
+
+// The named times of job-hold-until. When an evening begins is the print service's affair.
+constexpr std::array kHoldNames = {
+    Meaning{"indefinite", "Held until it is released"}, Meaning{"day-time", "Held until the day"},
+    Meaning{"evening", "Held until the evening"},       Meaning{"night", "Held until the night"},
+    Meaning{"second-shift", "Held until the second shift"},
+    Meaning{"third-shift", "Held until the third shift"},
+    Meaning{"weekend", "Held until the weekend"},
+};
+
+// What a queue or its printer lacks, without the grade that may stand behind it ("-error").
+constexpr std::array kPrinterReasons = {
+    Meaning{"connecting-to-device", "The connection to the printer is being made."},
+    Meaning{"cover-open", "A cover of the printer is open."},
+    Meaning{"door-open", "A door of the printer is open."},
+    Meaning{"marker-supply-empty", "The printer has run out of ink or toner."},
+    Meaning{"media-empty", "The printer has run out of paper."},
+    Meaning{"media-jam", "Paper is jammed in the printer."},
+    Meaning{"media-needed", "The printer needs paper."},
+    Meaning{"offline", "The printer cannot be reached."},
+    Meaning{"shutdown", "The printer is switched off."},
+    Meaning{"timed-out", "The printer does not answer."},
+    Meaning{"toner-empty", "The printer has run out of toner."},
+};
+
+// What the print service itself says of a filter that failed without a word.
+constexpr char kUnexplained[] = "Filter failed";
+
+std::string_view without_grade(std::string_view reason) {
+  for (std::string_view const grade : {"-error", "-warning", "-report"})
+    if (reason.ends_with(grade)) return reason.substr(0, reason.size() - grade.size());
+  return reason;
+}
+
+bool has(std::vector<std::string> const &reasons, std::string_view wanted) {
+  return std::find(reasons.begin(), reasons.end(), wanted) != reasons.end();
+}
+
+// Seconds since midnight of "HH:MM" or "HH:MM:SS".
+std::optional<int> seconds_of_day(std::string_view text) {
+  int fields[3] = {0, 0, 0};
+  constexpr int kLimits[3] = {24, 60, 60};
+  for (int at = 0; at < 3; ++at) {
+    std::size_t const colon = text.find(':');
+    std::string_view const field = text.substr(0, colon);
+    auto const [end, error] = std::from_chars(field.data(), field.data() + field.size(), fields[at]);
+    if (error != std::errc() || end != field.data() + field.size() || fields[at] < 0 || fields[at] >= kLimits[at])
+      return std::nullopt;
+    if (colon == std::string_view::npos && at > 0) return fields[0] * 3600 + fields[1] * 60 + fields[2];
+    if (colon == std::string_view::npos) return std::nullopt;
+    text.remove_prefix(colon + 1);
+  }
+  return std::nullopt;
+}
+
+// A time of day in UTC, the next one to come, as it stands on the clock here. The print service releases a job a little
+// late: a time that has just gone by is not tomorrow's.
+Words held_until_time(int seconds, std::time_t now) {
+  constexpr std::time_t kDay = 86400;
+  constexpr std::time_t kLateness = 120;
+  std::time_t release = now - now % kDay + seconds;
+  if (release < now - kLateness) release += kDay;
+  std::tm here{}, today{};
+  localtime_r(&release, &here);
+  localtime_r(&now, &today);
+  std::array<char, 16> clock;
+  std::strftime(clock.data(), clock.size(), "%H:%M", &here);
+  bool const same_day = here.tm_yday == today.tm_yday;
+  return {same_day ? "Held until %@" : "Held until %@ tomorrow", {clock.data()}};
+}
+
+Words held_words(std::string const &until, std::time_t now) {
+  if (auto const seconds = seconds_of_day(until)) return held_until_time(*seconds, now);
+  if (char const *const named = meaning_of(until, kHoldNames)) return {named, {}};
+  return {"Held", {}};
+}
+
+void add_message(std::string const &message, std::vector<Words> &details) {
+  Words const words{"%@", {message}};
+  if (!message.empty() && std::find(details.begin(), details.end(), words) == details.end()) details.push_back(words);
+}
+
+// Why the queue does not go on with its jobs, or does so with difficulty.
+std::vector<Words> printer_details(JobReport const &report) {
+  std::vector<Words> details;
+  if (report.printer_state == IPP_PSTATE_STOPPED) {
+    details.push_back({"The queue is stopped. The job goes on when it is started again.", {}});
+    add_message(report.printer_message, details);
+  }
+  for (auto const &reason : report.printer_reasons)
+    if (char const *const known = meaning_of(without_grade(reason), kPrinterReasons)) details.push_back({known, {}});
+  return details;
+}
+
+JobStatus waiting(JobReport const &report) {
+  auto details = printer_details(report);
+  if (report.printer_state == IPP_PSTATE_PROCESSING) details.push_back({"The printer works on another job.", {}});
+  // A backend that is tried again leaves the job waiting, with its last word.
+  add_message(report.message, details);
+  return {JobPhase::waiting, {"Waiting", {}}, details, true, false};
+}
+
+JobStatus held(JobReport const &report, std::time_t now) {
+  auto details = printer_details(report);
+  add_message(report.message, details);
+  return {JobPhase::held, held_words(report.hold_until, now), details, true, false};
+}
+
+JobStatus processing(JobReport const &report) {
+  if (has(report.reasons, "processing-to-stop-point"))
+    return {JobPhase::processing, {"Being cancelled", {}}, {}, false, false};
+  Words headline{"Processing", {}};
+  if (report.pages_done > 0 && report.pages >= report.pages_done)
+    headline = {"Processing page %@ of %@", {std::to_string(report.pages_done), std::to_string(report.pages)}};
+  else if (report.pages_done > 0)
+    headline = {"Processing page %@", {std::to_string(report.pages_done)}};
+  std::vector<Words> details;
+  add_message(report.message, details);
+  for (auto const &more : printer_details(report)) details.push_back(more);
+  return {JobPhase::processing, headline, details, true, false};
+}
+
+// in_queue: the print service keeps the job and would go on with it if somebody told it to.
+JobStatus failed(JobReport const &report, bool in_queue) {
+  std::vector<Words> details;
+  if (report.message != kUnexplained) add_message(report.message, details);
+  if (details.empty())
+    details.push_back({"The printer's driver gave no reason. The print service's error log may have one.", {}});
+  if (in_queue) details.push_back({"The job is still in the queue; Cancel Job takes it out.", {}});
+  return {JobPhase::failed, {"Failed", {}}, details, in_queue, true};
+}
+
+JobStatus cancelled(JobReport const &report) {
+  std::vector<Words> details;
+  if (has(report.reasons, "job-canceled-at-device")) details.push_back({"It was cancelled at the printer.", {}});
+  if (has(report.reasons, "job-canceled-by-operator")) details.push_back({"An operator cancelled it.", {}});
+  return {JobPhase::cancelled, {"Cancelled", {}}, details, false, true};
+}
+
+JobStatus done(JobReport const &report) {
+  std::vector<Words> details{{"The printer has taken the whole job.", {}}};
+  if (report.pages_done > 0) details.push_back({"Pages: %@", {std::to_string(report.pages_done)}});
+  if (has(report.reasons, "job-completed-with-warnings") || has(report.reasons, "job-completed-with-errors"))
+    add_message(report.message, details);
+  return {JobPhase::done, {"Done", {}}, details, false, false};
+}
+
+}  // namespace
+
+JobReport read_report(ipp_t *job, ipp_t *printer) {
+  JobReport report;
+  if (int const state = number_of(job, "job-state"); state != 0) report.state = static_cast<ipp_jstate_t>(state);
+  report.reasons = reasons_of(job, "job-state-reasons");
+  report.message = text_of(job, "job-printer-state-message");
+  report.hold_until = text_of(job, "job-hold-until");
+  if (report.hold_until == "no-hold") report.hold_until.clear();
+  report.pages_done =
+      std::max(number_of(job, "job-impressions-completed"), number_of(job, "job-media-sheets-completed"));
+  report.pages = number_of(job, "job-impressions");
+  report.began = number_of(job, "time-at-processing") > 0;
+  report.uuid = text_of(job, "job-uuid");
+  if (int const state = number_of(printer, "printer-state"); state != 0)
+    report.printer_state = static_cast<ipp_pstate_t>(state);
+  report.printer_reasons = reasons_of(printer, "printer-state-reasons");
+  report.printer_message = text_of(printer, "printer-state-message");
+  return report;
+}
+
+std::string Words::plain() const {
+  std::string said;
+  auto part = parts.begin();
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    bool const stands_for_part = part != parts.end() && text.compare(at, 2, "%@") == 0;
+    if (!stands_for_part) {
+      said += text[at];
+      continue;
+    }
+    said += *part++;
+    ++at;
+  }
+  return said;
+}
+
+bool JobStatus::over() const {
+  return phase == JobPhase::done || phase == JobPhase::failed || phase == JobPhase::cancelled ||
+         phase == JobPhase::lost;
+}
+
+JobStatus job_status(JobReport const &report, std::time_t now) {
+  switch (report.state) {
+    case IPP_JSTATE_HELD: return held(report, now);
+    case IPP_JSTATE_PROCESSING: return processing(report);
+    case IPP_JSTATE_STOPPED: return failed(report, true);
+    case IPP_JSTATE_ABORTED: return failed(report, false);
+    case IPP_JSTATE_CANCELED: return cancelled(report);
+    case IPP_JSTATE_COMPLETED: return done(report);
+    default: return waiting(report);
+  }
+}
+
+JobStatus lost_job_status() {
+  return {JobPhase::lost,
+          {"No longer in the queue", {}},
+          {{"The print service has no record of the job any more. What became of it cannot be told.", {}}},
+          false,
+          false};
+}
+
+}  // namespace fax::host
