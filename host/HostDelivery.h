@@ -18,8 +18,8 @@
 - (id)initWithRequest:(fax::host::DialogRequest const *)request
                window:(HostDialogWindow *)window
                alerts:(id<HostAlerting>)alerts;
-// NO when the document went nowhere. YES after the user was told the job's number.
-- (BOOL)submitJob:(fax::host::JobRequest const &)job;
+// The job's number; 0 when the document went nowhere, of which the user was told.
+- (int)submitJob:(fax::host::JobRequest const &)job;
 // The file that the user is asked for, unless the command line named one; nil when there is none.
 - (NSString *)pathOfFile;
 - (BOOL)writeFile:(NSString *)path;

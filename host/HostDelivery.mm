@@ -43,7 +43,7 @@ using namespace fax::host;
   return NO;
 }
 
-- (BOOL)submitJob:(JobRequest const &)job {
+- (int)submitJob:(JobRequest const &)job {
   int number = 0;
   Server const &server = _request->server;
   auto const work = [&](ProgressCall const &progress) -> std::optional<Failure> {
@@ -54,13 +54,12 @@ using namespace fax::host;
   };
   NSString *const queue = ns(job.queue);
   NSString *const what = HostFormat(@"Handing \"%@\" to the queue %@.", ns(_request->document.title()), queue);
-  if (![self run:what work:work]) return NO;
+  if (![self run:what work:work]) return 0;
   NSString *const text = HostFormat(@"Job %d was handed to the queue %@.", number, queue);
   std::printf("%s\n", [text UTF8String]);
   std::fflush(stdout);
   [_window setStatus:text];
-  [_alerts tell:text advice:@""];
-  return YES;
+  return number;
 }
 
 - (NSString *)pathOfFile {

@@ -3,6 +3,7 @@
 #import <AppKit/AppKit.h>
 
 #include "host/core/failure.h"
+#include "host/core/job_watch.h"
 #include "host/dialog_request.h"
 
 #import "host/HostAlerts.h"
@@ -45,5 +46,7 @@
 - (BOOL)isReady;
 // Meaningful once the dialog is over.
 - (fax::host::ExitCode)exitCode;
+// The job that a print queue was given; NULL when there is none. Lives as long as the dialog.
+- (fax::host::SubmittedJob const *)submittedJob;
 - (NSString *)status;
 @end

@@ -41,6 +41,7 @@ struct HostDialogState {
   bool printing = false;
   bool finished = false;
   ExitCode exit_code = ExitCode::cancelled;
+  std::optional<SubmittedJob> submitted;
 };
 
 @interface HostDialog ()
@@ -109,6 +110,10 @@ struct HostDialogState {
 
 - (ExitCode)exitCode {
   return _state->exit_code;
+}
+
+- (SubmittedJob const *)submittedJob {
+  return _state->submitted ? &*_state->submitted : nullptr;
 }
 
 - (NSString *)status {
@@ -359,9 +364,13 @@ struct HostDialogState {
       if (![_delivery writeFile:path]) return NO;
       break;
     }
-    case Destination::printer:
-      if (![_delivery submitJob:[self job]]) return NO;
+    case Destination::printer: {
+      JobRequest const job = [self job];
+      int const number = [_delivery submitJob:job];
+      if (number == 0) return NO;
+      _state->submitted = SubmittedJob{number, job};
       break;
+    }
   }
   [self finish:ExitCode::ok];
   return YES;

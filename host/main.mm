@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <string>
+#include <system_error>
 #include <unistd.h>
 #include <vector>
 
@@ -17,21 +18,28 @@
 
 #import "host/HostDialog.h"
 #import "host/HostScreenMap.h"
+#import "host/HostStatusWindow.h"
 #import "host/controls.h"
 #import "host/fence.h"
 #import "host/text.h"
 
 using namespace fax::host;
 
-// Shows the dialog when the application is ready and ends the application with it.
-@interface HostApplication : NSObject <HostDialogOwner> {
+// Shows the dialog when the application is ready, then what becomes of its job, and ends the application with that.
+@interface HostApplication : NSObject <HostDialogOwner, HostStatusWindowOwner> {
   DialogRequest const *_request;
   HostDialog *_dialog;
+  HostStatusWindow *_status;
   HostScreenMap *_map;
   NSFileHandle *_wake;  // readable at once, which wakes the run loop
 }
 - (id)initWithRequest:(DialogRequest const *)request;
 - (ExitCode)exitCode;
+@end
+
+@interface HostApplication ()
+- (void)follow:(SubmittedJob const &)job;
+- (void)end;
 @end
 
 @implementation HostApplication
@@ -45,6 +53,7 @@ using namespace fax::host;
 - (void)dealloc {
   [_map stop];
   [_map release];
+  [_status release];
   [_dialog release];
   [_wake release];
   [super dealloc];
@@ -85,6 +94,26 @@ using namespace fax::host;
 }
 
 - (void)dialogDidFinish:(HostDialog *)dialog {
+  SubmittedJob const *const job = [dialog submittedJob];
+  if (job && _request->command_line.status) [self follow:*job];
+  if (!_status) [self end];
+}
+
+- (void)follow:(SubmittedJob const &)job {
+  try {
+    _status = [[HostStatusWindow alloc] initWithServer:_request->server job:job owner:self];
+    [_status show];
+  } catch (std::system_error const &failed) {
+    // The job is on its way all the same.
+    std::fprintf(stderr, "faxprint: The job cannot be followed: %s\n", failed.what());
+  }
+}
+
+- (void)statusWindowDidClose:(HostStatusWindow *)window {
+  [self end];
+}
+
+- (void)end {
   [NSApp stop:self];
   // The loop looks at the stop only after an event, and at an event of our own only when something comes in.
   [NSApp postEvent:[NSEvent otherEventWithType:NSApplicationDefined

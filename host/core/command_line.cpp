@@ -12,7 +12,7 @@ namespace {
 
 constexpr int kMostCopies = 9999;
 
-enum Long : int { kList = 256, kExtension, kTiming, kUiMap, kOutput, kTo, kVersion };
+enum Long : int { kList = 256, kExtension, kTiming, kUiMap, kOutput, kTo, kVersion, kNoStatus };
 
 constexpr option kLongOptions[] = {
     {"printer", required_argument, nullptr, 'd'},
@@ -23,6 +23,7 @@ constexpr option kLongOptions[] = {
     {"list", no_argument, nullptr, kList},
     {"extension", required_argument, nullptr, kExtension},
     {"timing", no_argument, nullptr, kTiming},
+    {"no-status", no_argument, nullptr, kNoStatus},
     {"ui-map", required_argument, nullptr, kUiMap},
     {"output", required_argument, nullptr, kOutput},
     {"to", required_argument, nullptr, kTo},
@@ -135,6 +136,9 @@ Result<CommandLine> parse_command_line(std::vector<std::string> const &arguments
       case kTiming:
         line.timing = true;
         break;
+      case kNoStatus:
+        line.status = false;
+        break;
       case kUiMap:
         line.ui_map = argument;
         break;
@@ -177,6 +181,8 @@ submits it to CUPS as one job.
       --output FILE       file to write to; without --to it means --to file
       --extension BUNDLE  print dialog extension to load; without it the one that
                           the printer's PPD file names (*APDialogExtension)
+      --no-status         end as soon as the job is submitted, without the window
+                          that follows it
       --timing            print to standard error how long each step took
       --ui-map FILE       write the positions of the dialog's controls to FILE
   -h, --help              print this text and end
@@ -188,7 +194,8 @@ Examples:
   faxprint --to file --output copy.pdf report.pdf
 
 Exit codes:
-  0  the job was submitted, or the text that was asked for was printed
+  0  the job was submitted, whatever became of it there, or the text that was
+     asked for was printed
   1  cancelled; nothing was submitted
   2  wrong command line
   3  the document cannot be read, or the output file cannot be written

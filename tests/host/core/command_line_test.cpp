@@ -15,7 +15,7 @@ CommandLine parsed(std::vector<std::string> const &arguments) {
 
 TEST(CommandLine, EveryOptionReachesItsField) {
   CommandLine const line = parsed({"--printer", "fax", "-o", "A=1", "report.pdf", "--option=B=x=y z", "--copies", "3",
-                                   "--title", "", "--extension", "/x.bundle", "--timing", "--ui-map", "map", "--output",
+                                   "--title", "", "--extension", "/x.bundle", "--timing", "--no-status", "--ui-map", "map", "--output",
                                    "out.pdf"});
   EXPECT_EQ(line.action, CommandLine::Action::print);
   EXPECT_EQ(line.printer, "fax");
@@ -24,6 +24,7 @@ TEST(CommandLine, EveryOptionReachesItsField) {
   EXPECT_EQ(line.title, "");
   EXPECT_EQ(line.extension, "/x.bundle");
   EXPECT_TRUE(line.timing);
+  EXPECT_FALSE(line.status);
   EXPECT_EQ(line.ui_map, "map");
   EXPECT_EQ(line.output, "out.pdf");
   EXPECT_EQ(line.destination, Destination::file);

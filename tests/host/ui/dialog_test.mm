@@ -93,9 +93,11 @@ TEST_F(Dialog, PrintHandsOneJobOverWithEverything) {
   EXPECT_THAT(asked, ElementsAre("save", "shouldPrint 1"));
   EXPECT_EQ([dialog_ exitCode], ExitCode::ok);
   EXPECT_EQ(owner_->ends, 1);
-  ASSERT_EQ(told().size(), 1u);
+  EXPECT_TRUE(told().empty());
   int const job = service_->jobs().back();
-  EXPECT_EQ(told().front(), "Job " + std::to_string(job) + " was handed to the queue fax.");
+  EXPECT_EQ(utf8([dialog_ status]), "Job " + std::to_string(job) + " was handed to the queue fax.");
+  ASSERT_TRUE([dialog_ submittedJob]);
+  EXPECT_EQ([dialog_ submittedJob]->number, job);
   auto options = parsed_options(service_->options_of(job).value_or(""));
   EXPECT_EQ(options["com.norvalt.tk.o.print.printsettings.DFaxCoverSenderName"], "Anna Berg");
   EXPECT_EQ(options["QXFaxImageQuality"], "Fine");
