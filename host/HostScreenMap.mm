@@ -214,13 +214,24 @@ class WindowReader {
     if ([source respondsToSelector:@selector(tableView:objectValueForTableColumn:row:)]) {
       value = [source tableView:table objectValueForTableColumn:column row:row];
     } else if (NSDictionary *bound = [column infoForBinding:NSValueBinding]) {
-      NSString *path = [bound objectForKey:NSObservedKeyPathKey];
-      NSArray *values = [[bound objectForKey:NSObservedObjectKey] valueForKeyPath:path];
-      if ([values isKindOfClass:[NSArray class]] && row < static_cast<NSInteger>([values count])) {
-        value = [values objectAtIndex:static_cast<NSUInteger>(row)];
-      }
+      value = row_value([bound objectForKey:NSObservedObjectKey], [bound objectForKey:NSObservedKeyPathKey], row);
     }
     return [value isKindOfClass:[NSNull class]] ? std::string{} : utf8(value);
+  }
+
+  // What a path such as "arrangedObjects.name" leads to for one row of the first array on it: key-value coding itself
+  // would ask every row, and the list may be long.
+  static id row_value(id object, NSString *path, NSInteger row) {
+    NSArray *keys = [path componentsSeparatedByString:@"."];
+    bool in_row = false;
+    for (NSUInteger at = 0; at < [keys count]; ++at) {
+      object = [object valueForKey:[keys objectAtIndex:at]];
+      if (in_row || ![object isKindOfClass:[NSArray class]]) continue;
+      if (row >= static_cast<NSInteger>([object count])) return nil;
+      object = [object objectAtIndex:static_cast<NSUInteger>(row)];
+      in_row = true;
+    }
+    return in_row ? object : nil;
   }
 
   void add_menu(NSMenuView *menu, std::vector<MapControl> &controls) {
