@@ -1,0 +1,230 @@
+"""The windows of the print dialog as its map of the screen tells them, and the mouse and keys of the X server."""
+
+import json
+import os
+import subprocess
+import time
+
+
+ALERT = "Alert"
+
+
+class TourError(Exception):
+    pass
+
+
+def run(*command, text=None, timeout=30):
+    done = subprocess.run(command, input=text, capture_output=True, encoding="utf-8", timeout=timeout, check=False)
+    if done.returncode != 0:
+        raise TourError(f"{' '.join(command)}: {done.stderr.strip() or done.stdout.strip()}")
+    return done.stdout
+
+
+def wait_for(what, look, seconds=20):
+    """The first true answer of look(); TourError when there is none in time."""
+    end = time.monotonic() + seconds
+    while time.monotonic() < end:
+        answer = look()
+        if answer:
+            return answer
+        time.sleep(0.05)
+    raise TourError(f"waited {seconds} s in vain for {what}")
+
+
+def differences(got, wanted, place):
+    """What differs, a line each; fields of dictionaries each on its own."""
+    if isinstance(got, dict) and isinstance(wanted, dict):
+        return [line for key in sorted(got.keys() | wanted.keys())
+                for line in differences(got.get(key), wanted.get(key), f"{place}.{key}")]
+    return [] if got == wanted else [f"{place}: {got!r} instead of {wanted!r}"]
+
+
+def expect(got, wanted, place):
+    """TourError when they differ."""
+    if wrong := differences(got, wanted, place):
+        raise TourError("\n".join(wrong))
+
+
+def right_label(window, field):
+    """The text that stands close to the right of a field, on its line; the map itself looks to the left and above."""
+    x, y, width, height = field["frame"]
+    for label in window["controls"]:
+        left, top, _, label_height = label["frame"]
+        if label["value"] and 0 <= left - (x + width) <= 20 and abs(top + label_height / 2 - (y + height / 2)) <= 6:
+            return label["value"]
+    return None
+
+
+def label_above(window, table):
+    """The text that stands above a table, its header and its scroller; the map looks for it right above the rows."""
+    x, y, _, _ = table["frame"]
+    for label in window["controls"]:
+        left, top, _, height = label["frame"]
+        if label["value"] and 0 <= x - left <= 30 and 0 <= y - (top + height) <= 40:
+            return label["value"]
+    return None
+
+
+class Screen:
+    """The windows as the dialog's map tells them, and the mouse and keys of the X server."""
+
+    def __init__(self, map_file, pictures, program):
+        self.map_file, self.pictures, self.program = map_file, pictures, program
+        self.taken = 0
+
+    def windows(self):
+        if self.program.poll() is not None:
+            raise TourError(f"the print dialog ended with code {self.program.returncode}")
+        try:
+            with open(self.map_file, encoding="utf-8") as file:
+                return json.load(file)["windows"]
+        except FileNotFoundError:
+            return []
+
+    def window(self, title):
+        return next((w for w in self.windows() if w["title"] == title), None)
+
+    def wait_window(self, title):
+        return wait_for(f'the window "{title}"', lambda: self.window(title))
+
+    def control(self, window_title, title, kind=None, **values):
+        """A control by the text on it, or by that of its label; kind is part of its class's name."""
+
+        def look():
+            window = self.window(window_title)
+            for control in window["controls"] if window else []:
+                if (control["title"] or right_label(window, control)) != title or (kind and kind not in control["class"]):
+                    continue
+                if all(control[name] == value for name, value in values.items()):
+                    return control
+            return None
+
+        wanted = " with " + ", ".join(f"{k} {v!r}" for k, v in values.items()) if values else ""
+        return wait_for(f'"{title}"{wanted} in the window "{window_title}"', look)
+
+    def point_at(self, frame):
+        x, y, width, height = frame
+        if x < 0 or y < 0 or width <= 0 or height <= 0:
+            raise TourError(f"{frame} cannot be pointed at")
+        run("xdotool", "mousemove", str(x + width // 2), str(y + height // 2), "sleep", "0.06")
+
+    def click(self, frame):
+        self.point_at(frame)
+        # The toolkit's tracking loops lose a release that follows the press at once.
+        run("xdotool", "mousedown", "1", "sleep", "0.06", "mouseup", "1", "sleep", "0.1")
+
+    def press(self, window_title, title, kind="Button"):
+        self.click(self.control(window_title, title, kind, enabled=True)["frame"])
+
+    def keys(self, *names):
+        run("xdotool", "key", "--delay", "30", *names)
+
+    def focus(self, window_title, title):
+        self.click(self.control(window_title, title, "Field", enabled=True)["frame"])
+
+    def enter(self, window_title, title, text, delay=30, shown=None):
+        """Replaces what a field holds by typing; delay is that between two keys, in milliseconds, shown what is then to
+        be seen in the field."""
+        self.clear(window_title, title)
+        run("xdotool", "type", "--delay", str(delay), text)
+        self.control(window_title, title, "Field", value=text if shown is None else shown)
+
+    def clear(self, window_title, title):
+        self.focus(window_title, title)
+        self.keys("Home", "shift+End", "BackSpace")
+
+    def choose(self, window_title, title, item):
+        """Picks an item of a pop-up. Now and then the toolkit closes the menu at a release without taking it for a
+        choice, when it is slow to follow the mouse; a person tries again then, and so does the tour, twice."""
+        for _ in range(3):
+            popup = self.control(window_title, title, "PopUp", enabled=True)
+            if popup["value"] == item:
+                return
+            self.drag_to_item(popup, item)
+            end = time.monotonic() + 5
+            while time.monotonic() < end and self.control(window_title, title, "PopUp")["value"] != item:
+                time.sleep(0.1)
+        self.control(window_title, title, "PopUp", value=item)
+
+    def drag_to_item(self, popup, item):
+        """Presses, goes to the item, releases, as with a mouse button held down."""
+        self.point_at(popup["frame"])
+        run("xdotool", "mousedown", "1")
+        try:
+            # Like a hand, until the menu shows what lies under the mouse: it misses a jump made while it opens.
+            for wobble in range(100):
+                x, y, width, height = self.menu_item(item)["frame"]
+                self.point_at((x, y + wobble % 2, width, height))
+                if self.menu_item(item)["focused"]:
+                    break
+        finally:
+            run("xdotool", "mouseup", "1")
+
+    def menu_item(self, title):
+        return wait_for(f'the menu item "{title}"', lambda: next(
+            (c for w in self.windows() for c in w["controls"] if c["class"] == "NSMenuItem" and c["title"] == title),
+            None))
+
+    def table(self, window_title, name):
+        """The rows of a table that can be seen, None without the table; its name is that of its outlet, or its label."""
+        window = self.window(window_title)
+        for control in window["controls"] if window else []:
+            if "TableView" in control["class"] and name in (control["identifier"], label_above(window, control)):
+                return control.get("rows", [])
+        return None
+
+    def wait_rows(self, window_title, name, cells):
+        """Until the table shows just these rows, in this order."""
+        shown = None
+
+        def look():
+            nonlocal shown
+            rows = self.table(window_title, name)
+            shown = rows and [tuple(row["cells"]) for row in rows]
+            return (shown or []) == cells if rows is not None else False
+
+        try:
+            wait_for(f'the table "{name}"', look)
+        except TourError as error:
+            raise TourError(f'{error} of "{window_title}" to show\n  {cells}\ninstead of\n  {shown}') from None
+
+    def select_row(self, window_title, name, cells):
+        def row(selected):
+            return next((r for r in self.table(window_title, name) or []
+                         if tuple(r["cells"]) == cells and r["selected"] in (selected, True)), None)
+
+        self.click(wait_for(f'{cells} in the table "{name}"', lambda: row(False))["frame"])
+        wait_for(f"{cells} to be selected", lambda: row(True))
+
+    def answer_alert(self, text, button, picture):
+        """Pictures the alert that says this, answers it, and waits until it is gone."""
+        def look():
+            window = self.window(ALERT)
+            return window and any(c["value"] == text for c in window["controls"])
+
+        wait_for(f'the alert "{text}"', look)
+        self.picture(picture)
+        self.press(ALERT, button)
+        wait_for("the alert to close", lambda: not self.window(ALERT))
+
+    def wait_closed(self, title):
+        wait_for(f'the window "{title}" to close', lambda: not self.window(title))
+
+    def picture(self, name):
+        """Pictures the window in front: the one that has the keyboard."""
+
+        def look():
+            front = [w for w in self.windows() if w["key"]]
+            return front[0] if len(front) == 1 else None
+
+        x, y, width, height = wait_for("one window that has the keyboard", look)["frame"]
+        self.import_picture(name, "root", "-crop", f"{width}x{height}+{x}+{y}", "+repage")
+
+    def picture_of_active_window(self, name):
+        """The same, of whatever program the window is."""
+        self.import_picture(name, run("xdotool", "getactivewindow").strip())
+
+    def import_picture(self, name, window, *part):
+        time.sleep(0.3)  # drawn
+        self.taken += 1
+        run("import", "-silent", "-window", window, *part, os.path.join(self.pictures, f"{self.taken:02d}-{name}.png"))
