@@ -1,7 +1,9 @@
-// The address-book dialog at scale: from the file to the drawn table, a key in the search field, a group, the memory.
+// The address-book dialog at scale: from the file to the drawn table, a key in the search field, a group, the memory,
+// and the printer's book.
 #import "bench/book_dialog.h"
 
 #include "bench/generated_book.h"
+#include "bench/printer_bench.h"
 #include "bench/report.h"
 
 #include <algorithm>
@@ -53,6 +55,7 @@ class Bench {
     draw(dialog_.window);
     std::filesystem::remove(path);
   }
+  void run_printer(Printer const &printer) { measure_printer(dialog_, printer, report_); }
   Report const &report() const { return report_; }
 
  private:
@@ -146,9 +149,10 @@ int main() {
   unsigned const seed = static_cast<unsigned>([arguments integerForKey:@"seed"]);
   NSArray *sizes = [[arguments stringForKey:@"entries"] componentsSeparatedByString:@","];
   NSString *output = [arguments stringForKey:@"json"];
+  NSString *printer = [arguments stringForKey:@"printer"];
   std::string folder = std::filesystem::temp_directory_path() / "address_bench.XXXXXX";
   if ([sizes count] == 0 || output == nil || mkdtemp(folder.data()) == nullptr) {
-    std::fprintf(stderr, "usage: address_bench -seed N -entries N[,N...] -json FILE\n");
+    std::fprintf(stderr, "usage: address_bench -seed N -entries N[,N...] -json FILE [-printer ADDRESS -password TEXT -contacts N]\n");
     _exit(2);
   }
   bool met = false;
@@ -156,6 +160,10 @@ int main() {
     Bench bench(seed, folder);
     for (NSUInteger at = 0; at < [sizes count]; ++at) {
       bench.run(static_cast<std::size_t>([[sizes objectAtIndex:at] integerValue]));
+    }
+    if (printer != nil) {
+      bench.run_printer({[printer UTF8String], [[arguments stringForKey:@"password"] UTF8String],
+                         static_cast<std::size_t>([arguments integerForKey:@"contacts"])});
     }
     bench.report().print();
     met = bench.report().all_met();

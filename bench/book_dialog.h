@@ -8,6 +8,9 @@
 // What the bench sends to the dialog's controller.
 @interface NSObject (BookDialog)
 - (void)initPCAdressBookTab;
+- (void)initDeviceAddressTab;
+- (void)setIPAddress:(NSString *)address;
+- (void)setPassword:(NSString *)password;
 - (NSArray *)getAddressListFrom:(NSDictionary *)group ofAddressBook:(NSArrayController *)list;
 @end
 
@@ -18,6 +21,7 @@ struct BookDialog {
   id controller;
   NSArrayController *files;
   NSArrayController *entries;
+  NSArrayController *printer_entries;
   NSTableView *table;
   NSTextField *search;
   NSWindow *window;
@@ -28,6 +32,9 @@ BookDialog open_book_dialog();
 
 // The file that the dialog reads next.
 void choose_file(BookDialog const &dialog, std::string const &path);
+
+// Shows the tab of a file, 0, or the printer's, 1. Nothing is read.
+void show_tab(BookDialog const &dialog, NSInteger index);
 
 // A key as the window gets it, for the search field.
 void press(BookDialog const &dialog, unichar character);

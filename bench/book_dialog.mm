@@ -28,11 +28,12 @@ NSBundle *load_bundle() {
   return bundle;
 }
 
-NSSearchField *search_field(NSView *view) {
-  if ([view isKindOfClass:[NSSearchField class]]) return static_cast<NSSearchField *>(view);
+// The first view of the class, at or below this one.
+id first_of(Class wanted, NSView *view) {
+  if ([view isKindOfClass:wanted]) return view;
   NSArray *parts = [view subviews];
   for (NSUInteger at = 0; at < [parts count]; ++at) {
-    if (NSSearchField *found = search_field([parts objectAtIndex:at])) return found;
+    if (id found = first_of(wanted, [parts objectAtIndex:at])) return found;
   }
   return nil;
 }
@@ -62,9 +63,10 @@ BookDialog open_book_dialog() {
   dialog.controller = [owner->detailedFaxSettingContoller valueForKey:@"addressBookController"];
   dialog.files = [dialog.controller valueForKey:@"addressFileList"];
   dialog.entries = [dialog.controller valueForKey:@"pcAddressList"];
+  dialog.printer_entries = [dialog.controller valueForKey:@"deviceAddressList"];
   dialog.table = [dialog.controller valueForKey:@"pcAddressTableView"];
   dialog.window = [dialog.controller valueForKey:@"addressBookSettingPanel"];
-  dialog.search = search_field([dialog.window contentView]);
+  dialog.search = first_of([NSSearchField class], [dialog.window contentView]);
   if (dialog.table == nil || dialog.search == nil) throw std::runtime_error("the dialog lacks its table");
   [dialog.window makeKeyAndOrderFront:nil];
   settle();
@@ -77,6 +79,15 @@ void choose_file(BookDialog const &dialog, std::string const &path) {
   NSDictionary *entry = [NSDictionary dictionaryWithObjectsAndKeys:[file lastPathComponent], @"name", file, @"path", nil];
   [dialog.files setContent:[NSMutableArray arrayWithObject:entry]];
   [dialog.files setSelectionIndex:0];
+}
+
+void show_tab(BookDialog const &dialog, NSInteger index) {
+  NSTabView *tabs = first_of([NSTabView class], [dialog.window contentView]);
+  id const delegate = [tabs delegate];
+  // It would read.
+  [tabs setDelegate:nil];
+  [tabs selectTabViewItemAtIndex:index];
+  [tabs setDelegate:delegate];
 }
 
 void press(BookDialog const &dialog, unichar character) {

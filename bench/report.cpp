@@ -24,13 +24,13 @@ bool Report::all_met() const {
 }
 
 void Report::print() const {
-  std::printf("%-46s %8s %10s %10s\n", "", "entries", "median", "at most");
+  std::printf("%-46s %8s %10s %10s\n", "", "entries", "median", "bar");
   for (Figure const &figure : figures_) {
     std::printf("%-46s %8zu %10.2f ", figure.name.c_str(), figure.entries, figure.value);
     if (figure.limit) {
-      std::printf("%10.2f %s%s\n", *figure.limit, figure.unit.c_str(), figure.met() ? "" : "   NOT MET");
+      std::printf("%10.2f %-4s %s\n", *figure.limit, figure.unit.c_str(), figure.met() ? "pass" : "FAIL");
     } else {
-      std::printf("%10s %s\n", "", figure.unit.c_str());
+      std::printf("%10s %s\n", "-", figure.unit.c_str());
     }
   }
   std::fflush(stdout);
