@@ -113,7 +113,7 @@ def save_recipient(screen, book, recipient):
 
 def properties(screen, window, picture):
     screen.press(DIALOG, "Properties...")
-    screen.wait_window(window)
+    screen.go_to(window)
     screen.picture(picture)
 
 
@@ -159,7 +159,7 @@ def choose_group(screen):
 def from_file(screen, recipients):
     """Answers the recipients that there are then."""
     screen.press(FAX_DIALOG, "From Address Book...")
-    screen.wait_window(DIALOG)
+    screen.go_to(DIALOG)
     shown = as_shown([*map(entry, PEOPLE), SALES, recipients[0]])
     screen.wait_rows(DIALOG, FILE_TABLE, shown)
     screen.picture("address-book")

@@ -66,7 +66,7 @@ def send_one_fax(screen, editor, book):
     panel = set_up_panel(screen, editor)
     screen.press(panel, "Print")
 
-    screen.wait_window(FAX_DIALOG)
+    screen.go_to(FAX_DIALOG)
     screen.picture("fax-dialog")
     type_recipients(screen)
     address_books.choose_recipients(screen, book, PASSWORD_FIELD, [TYPED, TYPED_SLOWLY])

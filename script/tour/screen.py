@@ -71,6 +71,7 @@ class Screen:
     def __init__(self, map_file, pictures, program):
         self.map_file, self.pictures, self.program = map_file, pictures, program
         self.taken = 0
+        self.front = None  # the window used last, by its title
 
     def windows(self):
         if self.program.poll() is not None:
@@ -84,8 +85,17 @@ class Screen:
     def window(self, title):
         return next((w for w in self.windows() if w["title"] == title), None)
 
-    def wait_window(self, title):
-        return wait_for(f'the window "{title}"', lambda: self.window(title))
+    def key_window(self):
+        front = [w for w in self.windows() if w["key"]]
+        return front[0] if len(front) == 1 else None
+
+    def go_to(self, title):
+        """Waits until the window has the keyboard. The toolkit loses a click into one that has just come or come back."""
+        if title == self.front:
+            return
+        wait_for(f'the window "{title}"', lambda: (self.key_window() or {}).get("title") == title)
+        time.sleep(0.3)
+        self.front = title
 
     def control(self, window_title, title, kind=None, **values):
         """A control by the text on it, or by that of its label; kind is part of its class's name."""
@@ -114,12 +124,14 @@ class Screen:
         run("xdotool", "mousedown", "1", "sleep", "0.06", "mouseup", "1", "sleep", "0.1")
 
     def press(self, window_title, title, kind="Button"):
+        self.go_to(window_title)
         self.click(self.control(window_title, title, kind, enabled=True)["frame"])
 
     def keys(self, *names):
         run("xdotool", "key", "--delay", "30", *names)
 
     def focus(self, window_title, title):
+        self.go_to(window_title)
         self.click(self.control(window_title, title, "Field", enabled=True)["frame"])
 
     def enter(self, window_title, title, text, delay=30, shown=None):
@@ -193,6 +205,7 @@ class Screen:
             return next((r for r in self.table(window_title, name) or []
                          if tuple(r["cells"]) == cells and r["selected"] in (selected, True)), None)
 
+        self.go_to(window_title)
         self.click(wait_for(f'{cells} in the table "{name}"', lambda: row(False))["frame"])
         wait_for(f"{cells} to be selected", lambda: row(True))
 
@@ -205,20 +218,18 @@ class Screen:
         wait_for(f'the alert "{text}"', look)
         self.picture(picture)
         self.press(ALERT, button)
-        wait_for("the alert to close", lambda: not self.window(ALERT))
+        self.wait_closed(ALERT)
 
     def wait_closed(self, title):
         wait_for(f'the window "{title}" to close', lambda: not self.window(title))
+        self.front = None
 
     def picture(self, name):
         """Pictures the window in front: the one that has the keyboard."""
-
-        def look():
-            front = [w for w in self.windows() if w["key"]]
-            return front[0] if len(front) == 1 else None
-
-        x, y, width, height = wait_for("one window that has the keyboard", look)["frame"]
+        window = wait_for("one window that has the keyboard", self.key_window)
+        x, y, width, height = window["frame"]
         self.import_picture(name, "root", "-crop", f"{width}x{height}+{x}+{y}", "+repage")
+        self.front = window["title"]
 
     def picture_of_active_window(self, name):
         """The same, of whatever program the window is."""
