@@ -99,6 +99,7 @@ class PrinterBook:
             except ProcessLookupError:
                 return True
             return False
+
         wait_for("slapd to end", gone)
 
 
@@ -200,6 +201,7 @@ def from_printer(screen, password_field, recipients):
 
     screen.enter(FAX_DIALOG, password_field, PRINTER_PASSWORD, shown="****")
     screen.press(FAX_DIALOG, "From Printer...")
+    screen.go_to(DIALOG)
     wait_for("the printer's book", lambda: screen.table(DIALOG, PRINTER_TABLE))
     screen.picture("printer-book")
     search(screen, OF_PRINTER[0], [OF_PRINTER], PRINTER_TABLE)
@@ -211,7 +213,6 @@ def from_printer(screen, password_field, recipients):
     screen.press(DIALOG, "OK")
     screen.wait_closed(DIALOG)
     screen.wait_rows(FAX_DIALOG, RECIPIENTS, recipients)
-    return recipients
 
 
 def choose_recipients(screen, book, password_field, typed):

@@ -5,7 +5,6 @@ import os
 import subprocess
 import time
 
-
 ALERT = "Alert"
 
 
@@ -192,8 +191,8 @@ class Screen:
         def look():
             nonlocal shown
             rows = self.table(window_title, name)
-            shown = rows and [tuple(row["cells"]) for row in rows]
-            return (shown or []) == cells if rows is not None else False
+            shown = None if rows is None else [tuple(row["cells"]) for row in rows]
+            return shown == cells
 
         try:
             wait_for(f'the table "{name}"', look)
@@ -201,19 +200,19 @@ class Screen:
             raise TourError(f'{error} of "{window_title}" to show\n  {cells}\ninstead of\n  {shown}') from None
 
     def select_row(self, window_title, name, cells):
-        def row(selected):
-            return next((r for r in self.table(window_title, name) or []
-                         if tuple(r["cells"]) == cells and r["selected"] in (selected, True)), None)
+        def row(**values):
+            return next((r for r in self.table(window_title, name) or [] if tuple(r["cells"]) == cells
+                         and values.items() <= r.items()), None)
 
         self.go_to(window_title)
-        self.click(wait_for(f'{cells} in the table "{name}"', lambda: row(False))["frame"])
-        wait_for(f"{cells} to be selected", lambda: row(True))
+        self.click(wait_for(f'{cells} in the table "{name}"', row)["frame"])
+        wait_for(f"{cells} to be selected", lambda: row(selected=True))
 
     def answer_alert(self, text, button, picture):
         """Pictures the alert that says this, answers it, and waits until it is gone."""
         def look():
             window = self.window(ALERT)
-            return window and any(c["value"] == text for c in window["controls"])
+            return window and window["key"] and any(c["value"] == text for c in window["controls"])
 
         wait_for(f'the alert "{text}"', look)
         self.picture(picture)
