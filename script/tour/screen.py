@@ -132,6 +132,8 @@ class Screen:
     def focus(self, window_title, title):
         self.go_to(window_title)
         self.click(self.control(window_title, title, "Field", enabled=True)["frame"])
+        # Keys overtake a click that the window manager has yet to let through.
+        self.control(window_title, title, "Field", focused=True)
 
     def enter(self, window_title, title, text, delay=30, shown=None):
         """Replaces what a field holds by typing; delay is that between two keys, in milliseconds, shown what is then to
