@@ -1,6 +1,7 @@
-// Return and Escape press the button that has them as its key equivalent, also while a text field is edited. The
-// toolkit looks for buttons with the Command key only; Escape ends a modal window without its Cancel button, and in a
-// field asks for completions.
+// Return presses the push button that has the focus. Otherwise Return and Escape press the button that has them as its
+// key equivalent, also while a text field is edited; where there is only one push button, Escape presses that. The toolkit
+// gives Return to the default button whatever has the focus; Escape ends a modal window without its Cancel button, and
+// in a field asks for completions.
 #import <AppKit/AppKit.h>
 
 #include "platform/gnustep/repair.h"
@@ -23,6 +24,26 @@ NSButton *button_for(NSView *view, NSString *key) {
   return nil;
 }
 
+bool is_push_button(id view) {
+  // A switch is no push button: Return is the default button's there.
+  return [view isKindOfClass:[NSButton class]] && ![view isKindOfClass:[NSPopUpButton class]] && [view isBordered];
+}
+
+void collect_push_buttons(NSView *view, NSMutableArray *found) {
+  if ([view isHidden]) return;
+  if (is_push_button(view)) [found addObject:view];
+  NSArray *parts = [view subviews];
+  for (NSUInteger at = 0; at < [parts count]; ++at) collect_push_buttons([parts objectAtIndex:at], found);
+}
+
+// The way out of a modal window that has only one.
+NSButton *only_button(NSWindow *window) {
+  if ([NSApp modalWindow] != window) return nil;
+  NSMutableArray *found = [NSMutableArray array];
+  collect_push_buttons([window contentView], found);
+  return [found count] == 1 ? [found objectAtIndex:0] : nil;
+}
+
 // "\r" for Return and Enter, Escape for itself; nil for other keys and with a modifier.
 NSString *plain_key(NSEvent *event) {
   if (event == nil || [event type] != NSKeyDown || ([event modifierFlags] & kModifiers) != 0) return nil;
@@ -34,6 +55,7 @@ NSString *plain_key(NSEvent *event) {
 // False when the window has no such button; a disabled one takes the key and does nothing.
 bool press(NSWindow *window, NSString *key) {
   NSButton *button = key != nil ? button_for([window contentView], key) : nil;
+  if (button == nil && [key isEqualToString:@"\033"]) button = only_button(window);
   if (button == nil) return false;
   if ([button isEnabled]) {
     [button performClick:button];
@@ -42,6 +64,28 @@ bool press(NSWindow *window, NSString *key) {
   }
   return true;
 }
+
+// Return opens a pop-up and chooses in its menu, Escape closes the menu.
+bool takes(id view, NSString *key) {
+  if (key == nil || ![view isKindOfClass:[NSButton class]] || ![view isEnabled]) return false;
+  if ([key isEqualToString:@"\r"]) return is_push_button(view) || [view isKindOfClass:[NSPopUpButton class]];
+  return [view isKindOfClass:[NSPopUpButton class]] && [[[[[view cell] menu] menuRepresentation] window] isVisible];
+}
+
+// The view with the focus is asked before the buttons of the window.
+fax::Repair<BOOL(NSEvent *)> window_key_equivalent{
+    "NSWindow", "performKeyEquivalent:", [](id self, SEL command, NSEvent *event) -> BOOL {
+      if (takes([self firstResponder], plain_key(event))) return NO;
+      return window_key_equivalent(self, command, event);
+    }};
+
+fax::Repair<void(NSEvent *)> button_key_down{"NSButton", "keyDown:", [](id self, SEL command, NSEvent *event) {
+                                               if (is_push_button(self) && takes(self, plain_key(event))) {
+                                                 [self performClick:self];
+                                               } else {
+                                                 button_key_down(self, command, event);
+                                               }
+                                             }};
 
 fax::Repair<void(NSEvent *)> key_down{"NSWindow", "keyDown:", [](id self, SEL command, NSEvent *event) {
                                         if (!press(self, plain_key(event))) key_down(self, command, event);

@@ -53,4 +53,12 @@ fax::Repair<void(NSTabViewItem *)> select_item{
       set_own_next_key_view(view, first);
     }};
 
+// The document joins the selected tab's views to the tab view's place among the others only now.
+fax::Repair<void(NSView *)> set_initial_first_responder{
+    "NSTabViewItem", "setInitialFirstResponder:", [](id self, SEL command, NSView *first) {
+      set_initial_first_responder(self, command, first);
+      NSTabView *view = [self tabView];
+      if (view != nil && [view selectedTabViewItem] == self) set_own_next_key_view(view, first);
+    }};
+
 }  // namespace

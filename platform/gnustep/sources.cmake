@@ -13,11 +13,15 @@ set(gnustep_sources
   gnustep/NetService.mm
   gnustep/ObservableArray.mm
   gnustep/ObservedSetter.mm
+  gnustep/PopUpKeys.mm
   gnustep/PropertyLists.mm
   gnustep/RefusedEdit.mm
+  gnustep/TabKeys.mm
   gnustep/TabView.mm
   gnustep/TableColumn.mm
   gnustep/TableView.mm
+  gnustep/TextKeys.mm
+  gnustep/WindowUpdate.mm
   gnustep/Workspace.mm
   gnustep/XibFont.mm
   gnustep/XibLabel.mm
