@@ -248,6 +248,16 @@ static CGFloat const kNarrowGap = 3;  // between a control and the line that bel
   [_target copiesDidChange];
 }
 
+// The arrows step the number, as the buttons beside it do.
+- (BOOL)control:(NSControl *)control textView:(NSTextView *)editor doCommandBySelector:(SEL)command {
+  bool const up = sel_isEqual(command, @selector(moveUp:));
+  if (control != copiesField || (!up && !sel_isEqual(command, @selector(moveDown:))) || [self copies] == 0) return NO;
+  [copiesStepper setIntValue:std::clamp([self copies] + (up ? 1 : -1), 1, 9999)];
+  [editor setString:[copiesStepper stringValue]];
+  [self stepCopies:copiesStepper];
+  return YES;
+}
+
 // The area below the pop-up of the panels.
 
 - (void)clearArea {

@@ -20,9 +20,16 @@ NSDictionary *system_font() {
   return [NSDictionary dictionaryWithObject:[NSFont systemFontOfSize:0] forKey:NSFontAttributeName];
 }
 
+// What takes the focus, or would if it were enabled: it may be by the time that somebody comes there with Tab.
+bool takes_focus(NSView *view) {
+  if (![view isKindOfClass:[NSControl class]]) return [view acceptsFirstResponder];
+  if ([view isKindOfClass:[NSTextField class]]) return [(NSTextField *)view isSelectable];
+  return ![(NSControl *)view refusesFirstResponder];
+}
+
 void collect(NSView *view, NSMutableArray *found) {
   if ([view isHidden]) return;
-  if ([view acceptsFirstResponder] && ![view isKindOfClass:[NSScrollView class]] &&
+  if (takes_focus(view) && ![view isKindOfClass:[NSScrollView class]] &&
       ![view isKindOfClass:[NSClipView class]] && ![view isKindOfClass:[NSScroller class]]) {
     [found addObject:view];
     if ([view isKindOfClass:[NSControl class]]) return;
