@@ -1,5 +1,7 @@
 #import "addressbook/AddressBookView.h"
 
+#import "view/BasicPdeView+Hints.h"
+
 @implementation AddressBookView
 
 - (void)initializeControls {
@@ -8,6 +10,7 @@
     [window setTitle:[thisBundle localizedStringForKey:[window title] value:nil table:nil]];
   NSEnumerator *subviews = [[NSArray arrayWithArray:[self subviews]] objectEnumerator];
   while (NSView *subview = [subviews nextObject]) [self localizeControl:subview];
+  [self beginHints];
 }
 
 - (void)selectTab:(int)index {
@@ -22,6 +25,17 @@
 - (int)selectedTabIndex {
   NSTabViewItem *selected = [addressSourceTabView selectedTabViewItem];
   return selected != nil ? static_cast<int>([addressSourceTabView indexOfTabViewItem:selected]) : -1;
+}
+
+- (NSString *)hint {
+  bool const printer = [self selectedTabIndex] == 1;
+  if ([printer ? addDeviceButton : addPCButton isEnabled]) return @"Press Return to add the selected entries.";
+  if ([printer ? deviceTable : pcTable numberOfRows] == 0) return @"There are no entries to show.";
+  return @"Select entries to add them to the recipients.";
+}
+
+- (NSButton *)deleteButtonOfTable:(NSView *)table {
+  return table == destinationTable ? removeButton : nil;
 }
 
 @end

@@ -20,6 +20,7 @@
   IBOutlet NSTextField *delayedTimeLabel;
   IBOutlet NSButton *startButton;
   IBOutlet NSButton *stopButton;
+  IBOutlet NSTableView *destinationTable;
 }
 
 // Translates the window's title from the default string table alone and every control below this view.

@@ -1,5 +1,7 @@
 #import "plugin/DirectFaxPdeView.h"
 
+#import "view/BasicPdeView+Hints.h"
+
 namespace {
 
 struct TaggedControl {
@@ -38,6 +40,13 @@ constexpr TaggedControl directFaxPPDDict[] = {
       [self localizeControl:control];
   }
   [self localizeControl:coverSettingGroup];
+  [self beginHints];
+}
+
+- (NSString *)hint {
+  if (senderModePopup != nil && ![senderModePopup isEnabled]) return @"Choose a cover page first.";
+  if (senderNameTextEdit != nil && ![senderNameTextEdit isEnabled]) return @"To type a name, choose that under Sender.";
+  return nil;
 }
 
 @end

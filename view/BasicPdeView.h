@@ -14,12 +14,17 @@
   ppd_file_t *ppd;  // the caller's; may be NULL
   NSMutableDictionary *ppdDictionary;  // PPD main keyword -> the control bound to it
   NSString *localizedFileName;  // the printer's own string table, or nil
+  IBOutlet NSTextField *hintLabel;  // may be nil
+  BOOL showsRefusal;  // hintLabel speaks of an edit that was refused
 }
 
 - (void)setBundle:(NSBundle *)bundle;
 // Drops every binding to a keyword and takes the name of the printer's own string table from the PPD, which the caller
 // keeps alive as long as the view. Where the PPD names no table, the name of an earlier PPD stays.
 - (void)setPPD:(ppd_file_t *)file;
+
+// The text of the string tables for a key; the key itself where there is no bundle.
+- (NSString *)translationOf:(NSString *)text;
 
 - (void)localizeTextField:(NSTextField *)field;
 - (void)localizeButton:(NSButton *)button;
@@ -31,6 +36,8 @@
 - (void)localizeControl:(NSView *)view;
 - (void)localizeWindowTitle:(NSView *)view;
 - (void)localizeAllControls;
+// The tool tips of a view and of all that it holds, hidden tabs included.
+- (void)localizeToolTips:(NSView *)view;
 
 // keyword: a PPD main keyword, ASCII. A keyword that the PPD lacks leaves the control as it is.
 - (void)localizePPDTextField:(NSTextField *)field withKeyword:(char const *)keyword;

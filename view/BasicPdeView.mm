@@ -35,6 +35,7 @@
 }
 
 - (void)dealloc {
+  [[NSNotificationCenter defaultCenter] removeObserver:self];
   [thisBundle release];
   [ppdDictionary release];
   [localizedFileName release];
@@ -108,6 +109,15 @@
 - (void)localizeAllControls {
   [self localizeWindowTitle:self];
   [self localizeSubviewsOf:self];
+}
+
+- (void)localizeToolTips:(NSView *)view {
+  if ([[view toolTip] length] > 0) [view setToolTip:[self translationOf:[view toolTip]]];
+  NSMutableArray *inner = [NSMutableArray arrayWithArray:[view subviews]];
+  if ([view isKindOfClass:[NSTabView class]])
+    [inner addObjectsFromArray:[[(NSTabView *)view tabViewItems] valueForKey:@"view"]];
+  NSEnumerator *views = [inner objectEnumerator];
+  while (NSView *next = [views nextObject]) [self localizeToolTips:next];
 }
 
 - (void)localizePPDTextField:(NSTextField *)field withKeyword:(char const *)keyword {

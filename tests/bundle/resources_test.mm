@@ -24,23 +24,27 @@ NSDictionary *table(NSString *name) {
 std::set<std::string> texts_of(std::string const &xib) {
   std::set<std::string> texts;
   std::string const source = contents(xib);
-  std::regex const title(" (?:title|label)=\"([^\"]*)\"");
+  std::regex const title(" (?:title|label|toolTip)=\"([^\"]*)\"");
   for (std::sregex_iterator it(source.begin(), source.end(), title), end; it != end; ++it)
     if ((*it)[1] != "Text Cell" && (*it)[1] != "") texts.insert((*it)[1]);
   return texts;
 }
 
-// Texts that the sources look up.
-std::set<std::string> alerts_of(std::string const &folder) {
+// Texts that the sources look up: those of alerts, and what views return as hints.
+std::set<std::string> texts_in(std::string const &folder) {
   std::set<std::string> texts;
   std::regex const alert("run_alert\\(([^;]*)\\)");
+  std::regex const hint("return (@\"[^;]*\");");
   std::regex const literal("@\"([^\"]+)\"");
   for (auto const &file : std::filesystem::directory_iterator(folder)) {
     if (file.path().extension() != ".mm") continue;
     std::string const source = contents(file.path());
-    for (std::sregex_iterator it(source.begin(), source.end(), alert), end; it != end; ++it) {
-      std::string const call = (*it)[1];
-      for (std::sregex_iterator text(call.begin(), call.end(), literal); text != end; ++text) texts.insert((*text)[1]);
+    bool const view = file.path().stem().string().ends_with("View");
+    for (std::regex const *lookup : {&alert, view ? &hint : &alert}) {
+      for (std::sregex_iterator it(source.begin(), source.end(), *lookup), end; it != end; ++it) {
+        std::string const call = (*it)[1];
+        for (std::sregex_iterator text(call.begin(), call.end(), literal); text != end; ++text) texts.insert((*text)[1]);
+      }
     }
   }
   return texts;
@@ -51,7 +55,7 @@ TEST(Resources, EveryVisibleTextHasAKeyAndEveryKeyIsUsed) {
   std::set<std::string> used{"Custom PDE Title"};
   for (auto const &texts :
        {texts_of(source + "/resources/MainPanel.xib"), texts_of(source + "/resources/FaxSetting.xib"),
-        alerts_of(source + "/addressbook"), alerts_of(source + "/faxsetting"), alerts_of(source + "/plugin")})
+        texts_in(source + "/addressbook"), texts_in(source + "/faxsetting"), texts_in(source + "/plugin")})
     used.insert(texts.begin(), texts.end());
   std::set<std::string> keys;
   NSEnumerator *names = [table(@"Localizable") keyEnumerator];
@@ -79,7 +83,7 @@ TEST_F(NibTest, EveryOutletConnects) {
       {[panel panelView],
        "imageQualityTitle imageQualityPopup reportOptionTitle reportOptionPopup coverSettingGroup coverPageTitle "
        "coverPagePopup senderModeTitle senderModePopup senderNameTitle senderNameTextEdit addressBookButton "
-       "defaultsButton"},
+       "defaultsButton hintLabel"},
       {controller,
        "faxSettingPanel addressArrayController addressFileList addressBookController addressNameTextField "
        "addressPhoneNumberTextField passwordTextField"},
@@ -88,12 +92,12 @@ TEST_F(NibTest, EveryOutletConnects) {
        "deviceAddressList deviceAddressTableView userPropertyPanel groupPropertyPanel userPropertyDictionary "
        "groupPropertyDictionary groupMemberList"},
       {[[[controller valueForKey:@"addressBookController"] valueForKey:@"addressBookSettingPanel"] contentView],
-       "addressSourceTabView"},
+       "addressSourceTabView pcTable deviceTable destinationTable addPCButton addDeviceButton removeButton hintLabel"},
       {dialog,
        "destNameLabel destPhoneNumberLabel recipientListLabel addAddressButton editAddressButton deleteAddressButton "
        "addToAddressBookButton addressBookFileLabel lookUpAddressBookButton lookUpDeviceDataButton "
        "authorizationGroupBox passwordLabel delayedSendGroupBox delayedSendCheckbox delayedTimeLabel startButton "
-       "stopButton"},
+       "stopButton destinationTable hintLabel"},
   };
   for (auto const &row : cases) {
     NSEnumerator *names = [[test::ns(row.outlets) componentsSeparatedByString:@" "] objectEnumerator];
