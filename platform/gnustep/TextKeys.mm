@@ -69,7 +69,15 @@ void perform(NSTextView *view, SEL action) {
   }
 }
 
+// What one key does is one step back. The manager ends its steps with the run loop's default mode, which does not run as
+// long as there is a modal window.
+void begin_step(NSTextView *view) {
+  NSUndoManager *const manager = [view allowsUndo] ? [view undoManager] : nil;
+  if ([manager groupsByEvent] && [manager groupingLevel] == 1) [manager endUndoGrouping];
+}
+
 fax::Repair<void(NSEvent *)> text_key_down{"NSTextView", "keyDown:", [](id self, SEL command, NSEvent *event) {
+                                             begin_step(self);
                                              SEL const action = action_of(event);
                                              if (action != nullptr) {
                                                perform(self, action);
@@ -93,13 +101,7 @@ fax::Repair<void(NSEvent *)> table_key_down{
 fax::Repair<NSText *(NSText *)> set_up_field_editor{
     "NSTextFieldCell", "setUpFieldEditorAttributes:", [](id self, SEL command, NSText *editor) -> NSText * {
       NSText *const ready = set_up_field_editor(self, command, editor);
-      if ([ready isKindOfClass:[NSTextView class]]) {
-        NSTextView *const view = (NSTextView *)ready;
-        [view setAllowsUndo:YES];
-        // What one key did is one step, in a modal window too.
-        [[view undoManager] setRunLoopModes:[NSArray arrayWithObjects:NSDefaultRunLoopMode, NSModalPanelRunLoopMode,
-                                                                      NSEventTrackingRunLoopMode, nil]];
-      }
+      if ([ready isKindOfClass:[NSTextView class]]) [(NSTextView *)ready setAllowsUndo:YES];
       return ready;
     }};
 
