@@ -76,12 +76,26 @@ void begin_step(NSTextView *view) {
   if ([manager groupsByEvent] && [manager groupingLevel] == 1) [manager endUndoGrouping];
 }
 
+// Tab in a field that can only be read goes on from the field; the toolkit goes on from the window's first one.
+bool leave_with_tab(NSTextView *view, NSEvent *event) {
+  id const field = [view isFieldEditor] && ![view isEditable] ? [view delegate] : nil;
+  if (![field isKindOfClass:[NSView class]] || [[event characters] length] != 1) return false;
+  if (([event modifierFlags] & (kModifiers & ~NSShiftKeyMask)) != 0) return false;
+  unichar const key = [[event characters] characterAtIndex:0];
+  if (key == NSBackTabCharacter || (key == NSTabCharacter && ([event modifierFlags] & NSShiftKeyMask) != 0)) {
+    [[field window] selectKeyViewPrecedingView:field];
+    return true;
+  }
+  if (key == NSTabCharacter) [[field window] selectKeyViewFollowingView:field];
+  return key == NSTabCharacter;
+}
+
 fax::Repair<void(NSEvent *)> text_key_down{"NSTextView", "keyDown:", [](id self, SEL command, NSEvent *event) {
                                              begin_step(self);
                                              SEL const action = action_of(event);
                                              if (action != nullptr) {
                                                perform(self, action);
-                                             } else {
+                                             } else if (!leave_with_tab(self, event)) {
                                                text_key_down(self, command, event);
                                              }
                                            }};

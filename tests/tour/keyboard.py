@@ -32,6 +32,7 @@ PRINT_RING = ["Printer", "Destination", "Copies", "Options", "Image Quality", "T
 FAX_RING = ["Name", "Fax Number", "destinationTable", "From Address Book...", "From Printer...", "Address Book File",
             "Access Code", "Send at a later time", "Help", "Cancel", "Start"]
 BOOK_RING = ["Search", "pcTable", "destinationTable", "Delete", "Help", "Cancel", "OK"]
+ENTRY_RING = ["Close", "Name", "Fax Number", "Company", "Note"]
 
 
 class Keyboard(tour.Screen):
@@ -178,7 +179,15 @@ def choose_from_book(screen):
     screen.keys("Tab")
     screen.wait_rows("pcTable", [CHOSEN])
     screen.wait_hint("Select entries to add them to the recipients.")
-    screen.keys("Home", "Return")
+    screen.keys("Home")
+    screen.go_to("Properties...")
+    screen.keys("Return")
+    screen.wait_front("Entry")
+    screen.check_ring(ENTRY_RING)
+    screen.keys("Escape")
+    screen.wait_front(BOOK_DIALOG)
+    screen.go_to("pcTable")
+    screen.keys("Return")
     screen.wait_rows("destinationTable", [CHOSEN, EDITED, KEPT])
     screen.picture("address-book")
     screen.go_to("OK")
