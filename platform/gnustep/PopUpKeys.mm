@@ -80,7 +80,8 @@ NSInteger item_for(NSPopUpButton *popUp, NSString *word, NSInteger present) {
   NSUInteger const options = NSCaseInsensitiveSearch | NSAnchoredSearch;
   for (NSInteger step = 0; step < count; ++step) {
     NSInteger const at = (first + step + count) % count;
-    if (can_choose(popUp, at) && [[popUp itemTitleAtIndex:at] rangeOfString:wanted options:options].length > 0) return at;
+    NSString *const title = [popUp itemTitleAtIndex:at];
+    if (can_choose(popUp, at) && [title rangeOfString:wanted options:options].length > 0) return at;
   }
   return -1;
 }
@@ -132,8 +133,8 @@ bool opens(unichar key) {
 fax::Repair<void(NSEvent *)> key_down{
     "NSPopUpButton", "keyDown:", [](id self, SEL, NSEvent *event) {
       NSPopUpButton *const popUp = self;
-      bool const plain = [popUp isEnabled] && [[event characters] length] == 1 && ([event modifierFlags] & kModifiers) == 0;
-      if (plain) {
+      bool const plain = [[event characters] length] == 1 && ([event modifierFlags] & kModifiers) == 0;
+      if (plain && [popUp isEnabled]) {
         unichar const key = [[event characters] characterAtIndex:0];
         if (is_open(popUp)) {
           if (work_open_menu(popUp, key)) return;

@@ -55,7 +55,8 @@ TEST_P(TextKeys, DoAsTheyDoEverywhere) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Cases, TextKeys,
-                         testing::Values(TextCase{"F a x ctrl+a ctrl+x", ""}, TextCase{"F a x ctrl+a ctrl+x ctrl+v ctrl+v", "FaxFax"},
+                         testing::Values(TextCase{"F a x ctrl+a ctrl+x", ""},
+                                         TextCase{"F a x ctrl+a ctrl+x ctrl+v ctrl+v", "FaxFax"},
                                          TextCase{"F a x ctrl+a ctrl+c ctrl+v ctrl+v", "FaxFax"},
                                          TextCase{"F a x ctrl+a ctrl+x ctrl+z", "Fax"},
                                          TextCase{"F a x ctrl+a ctrl+x ctrl+z ctrl+y", ""},
