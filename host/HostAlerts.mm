@@ -25,6 +25,8 @@ static NSString *Wrapped(NSString *text) {
   if ([advice length]) text = [NSString stringWithFormat:@"%@\n\n%@", text, Wrapped(advice)];
   [alert setMessageText:HostText(@"Print")];
   [alert setInformativeText:text];
+  // What nothing can be done about is news, not a warning.
+  if (![advice length]) [alert setAlertStyle:NSInformationalAlertStyle];
   [alert addButtonWithTitle:HostText(@"OK")];
   [alert runModal];
   [alert release];

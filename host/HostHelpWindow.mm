@@ -101,7 +101,7 @@ static Boolean ShowForAppleHelp(CFURLRef page, CFStringRef anchor, void *context
   [textView setEditable:NO];
   [textView setSelectable:YES];
   [textView setRichText:YES];
-  [textView setBackgroundColor:[NSColor whiteColor]];
+  [textView setBackgroundColor:[NSColor textBackgroundColor]];
   [textView setTextContainerInset:NSMakeSize(kMargin, kMargin)];
   [textView setMinSize:NSMakeSize(0, room.height)];
   [textView setMaxSize:NSMakeSize(1e7, 1e7)];
@@ -110,6 +110,11 @@ static Boolean ShowForAppleHelp(CFURLRef page, CFStringRef anchor, void *context
   [textView setAutoresizingMask:NSViewWidthSizable];
   [[textView textContainer] setContainerSize:NSMakeSize(room.width - 2 * kMargin, 1e7)];
   [[textView textContainer] setWidthTracksTextView:YES];
+  [textView setLinkTextAttributes:[NSDictionary dictionaryWithObjectsAndKeys:
+                                                    [NSColor keyboardFocusIndicatorColor],
+                                                    NSForegroundColorAttributeName,
+                                                    [NSNumber numberWithInt:NSUnderlineStyleSingle],
+                                                    NSUnderlineStyleAttributeName, nil]];
   [textView setDelegate:(id)self];
   [scroller setDocumentView:textView];
   backButton = make_button(HostText(@"Back"), self, @selector(goBack:));

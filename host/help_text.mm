@@ -124,10 +124,10 @@ class Writer {
   static NSDictionary *attributes(HelpRun const &run, CGFloat size, bool bold) {
     NSMutableDictionary *look = [NSMutableDictionary dictionary];
     [look setObject:font(run, size, bold) forKey:NSFontAttributeName];
+    [look setObject:[NSColor textColor] forKey:NSForegroundColorAttributeName];
     if (!run.link.empty()) {
       [look setObject:ns(run.link) forKey:NSLinkAttributeName];
-      [look setObject:[NSColor colorWithCalibratedRed:0.05 green:0.3 blue:0.7 alpha:1]
-               forKey:NSForegroundColorAttributeName];
+      [look setObject:[NSColor keyboardFocusIndicatorColor] forKey:NSForegroundColorAttributeName];
       [look setObject:[NSNumber numberWithInt:NSUnderlineStyleSingle] forKey:NSUnderlineStyleAttributeName];
     }
     return look;

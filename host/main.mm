@@ -14,6 +14,7 @@
 #include "host/core/document.h"
 #include "host/core/ppd_file.h"
 #include "host/core/queues.h"
+#include "host/theme/preference.h"
 #include "host/x_display.h"
 
 #import "host/HostDialog.h"
@@ -22,6 +23,7 @@
 #import "host/controls.h"
 #import "host/fence.h"
 #import "host/text.h"
+#import "host/theme/FaxTheme.h"
 
 using namespace fax::host;
 
@@ -181,7 +183,8 @@ static int RunDialog(DialogRequest const &request) {
   NSException *raised = fenced([&] {
     [[NSUserDefaults standardUserDefaults]
         registerDefaults:[NSDictionary dictionaryWithObject:@"YES" forKey:@"GSSuppressAppIcon"]];
-    [NSApplication sharedApplication];
+    fax::theme::start_application(
+        fax::theme::choice_named(request.command_line.theme).value_or(fax::theme::Choice::automatic));
     HostApplication *application = [[HostApplication alloc] initWithRequest:&request];
     [NSApp setDelegate:(id)application];
     [NSApp run];

@@ -12,7 +12,7 @@ namespace {
 
 constexpr int kMostCopies = 9999;
 
-enum Long : int { kList = 256, kExtension, kTiming, kUiMap, kOutput, kTo, kVersion, kNoStatus };
+enum Long : int { kList = 256, kExtension, kTiming, kUiMap, kOutput, kTo, kTheme, kVersion, kNoStatus };
 
 constexpr option kLongOptions[] = {
     {"printer", required_argument, nullptr, 'd'},
@@ -27,6 +27,7 @@ constexpr option kLongOptions[] = {
     {"ui-map", required_argument, nullptr, kUiMap},
     {"output", required_argument, nullptr, kOutput},
     {"to", required_argument, nullptr, kTo},
+    {"theme", required_argument, nullptr, kTheme},
     {"version", no_argument, nullptr, kVersion},
     {nullptr, 0, nullptr, 0},
 };
@@ -149,6 +150,11 @@ Result<CommandLine> parse_command_line(std::vector<std::string> const &arguments
         to = destination_named(argument);
         if (!to) return wrong("--to takes printer, file or preview, not \"" + argument + "\".");
         break;
+      case kTheme:
+        if (argument != "auto" && argument != "light" && argument != "dark")
+          return wrong("--theme takes auto, light or dark, not \"" + argument + "\".");
+        line.theme = argument;
+        break;
       case ':':
         return wrong(spelled(optopt) + " needs a value.");
       default:
@@ -183,6 +189,8 @@ submits it to CUPS as one job.
                           the printer's PPD file names (*APDialogExtension)
       --no-status         end as soon as the job is submitted, without the window
                           that follows it
+      --theme THEME       auto, light or dark; auto, which holds without it, follows
+                          the desktop
       --timing            print to standard error how long each step took
       --ui-map FILE       write the positions of the dialog's controls to FILE
   -h, --help              print this text and end

@@ -26,6 +26,7 @@ struct CommandLine {
   bool status = true;                    // follow the job in a window after Print
   std::optional<std::string> ui_map;     // file to write the positions of the dialog's controls to
   std::optional<std::string> output;     // file for Destination::file
+  std::string theme = "auto";            // or "light", "dark"
   Destination destination = Destination::printer;
   std::string file;                      // path of the document; set exactly when action is print
 };

@@ -1,0 +1,82 @@
+#import "host/theme/FaxTheme.h"
+
+#import "host/theme/drawing.h"
+#include "platform/gnustep/repair.h"
+
+using namespace fax::theme;
+
+static Scheme decided = Scheme::light;
+
+namespace {
+
+// The toolkit draws anew what tells by itself that it has the focus; the theme's frames around fields and tables do too.
+fax::Repair<BOOL(NSResponder *)> make_first_responder{
+    "NSWindow", "makeFirstResponder:", [](id self, SEL command, NSResponder *next) -> BOOL {
+      NSWindow *window = self;
+      id const before = [window firstResponder];
+      if ([before isKindOfClass:[NSView class]]) refresh_focus(before);
+      BOOL const made = make_first_responder(self, command, next);
+      id const after = [window firstResponder];
+      if ([after isKindOfClass:[NSView class]]) refresh_focus(after);
+      return made;
+    }};
+
+}  // namespace
+
+@implementation FaxTheme
+
+- (void)dealloc {
+  [_systemColours release];
+  [super dealloc];
+}
+
+- (NSString *)name {
+  return @"DirectFax";
+}
+
+// Not the program's own: the toolkit would take defaults for every program from it.
+- (NSDictionary *)infoDictionary {
+  return [NSDictionary dictionary];
+}
+
+- (NSColorList *)colors {
+  if (_systemColours) return _systemColours;
+  _systemColours = [[NSColorList alloc] initWithName:@"System" fromFile:nil];
+  for (NamedColour const &named : system_colours()) {
+    [_systemColours setColor:ns(current_palette().*named.colour)
+                      forKey:[NSString stringWithUTF8String:named.name.data()]];
+  }
+  return _systemColours;
+}
+
+// The drawing methods know the palette; nothing is looked for on the disk.
+- (NSColor *)colorNamed:(NSString *)name state:(GSThemeControlState)state {
+  return nil;
+}
+
+// There are no pictures to make borders of; the toolkit would look for each on the disk.
+- (GSDrawTiles *)tilesNamed:(NSString *)name state:(GSThemeControlState)state {
+  return nil;
+}
+
+@end
+
+namespace fax::theme {
+
+Palette const &current_palette() { return palette(decided); }
+
+void start_application(Choice choice) {
+  decided = scheme_for(choice, this_desktop());
+  // Scrollers stand on the right, where everybody looks for them, and tips are as large as other text.
+  [[NSUserDefaults standardUserDefaults]
+      registerDefaults:[NSDictionary dictionaryWithObjectsAndKeys:@"NSMacintoshInterfaceStyle",
+                                                                  @"NSScrollViewInterfaceStyle", @"11",
+                                                                  @"NSToolTipsFontSize", nil]];
+  FaxTheme *theme = [[FaxTheme alloc] initWithBundle:[NSBundle mainBundle]];
+  [GSTheme setTheme:theme];
+  [theme release];
+  register_pictures(current_palette());
+  [NSApplication sharedApplication];
+}
+
+}  // namespace fax::theme

@@ -1,0 +1,149 @@
+#import "host/theme/drawing.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+#include "host/theme/icons.h"
+
+namespace fax::theme {
+namespace {
+
+// As the toolkit will know it: there may be no screen yet.
+CGFloat screen_scale() {
+  CGFloat const factor = [[NSUserDefaults standardUserDefaults] floatForKey:@"GSScaleFactor"];
+  return factor > 0 ? factor : 1;
+}
+
+NSBezierPath *rounded_path(NSRect area, CGFloat radius) {
+  return [NSBezierPath bezierPathWithRoundedRect:area xRadius:radius yRadius:radius];
+}
+
+NSImage *image(Picture const &picture) {
+  NSInteger const columns = picture.columns(), rows = picture.rows();
+  NSBitmapImageRep *bitmap = [[NSBitmapImageRep alloc] initWithBitmapDataPlanes:nullptr
+                                                                     pixelsWide:columns
+                                                                     pixelsHigh:rows
+                                                                  bitsPerSample:8
+                                                                samplesPerPixel:4
+                                                                       hasAlpha:YES
+                                                                       isPlanar:NO
+                                                                 colorSpaceName:NSCalibratedRGBColorSpace
+                                                                    bytesPerRow:columns * 4
+                                                                   bitsPerPixel:32];
+  std::memcpy([bitmap bitmapData], picture.pixels().data(), picture.pixels().size());
+  NSSize const size = {picture.width(), picture.height()};
+  [bitmap setSize:size];
+  NSImage *made = [[NSImage alloc] initWithSize:size];
+  [made addRepresentation:bitmap];
+  [bitmap release];
+  return [made autorelease];
+}
+
+// What a field editor writes into; nil for anything else.
+id edited_by(NSResponder *responder) {
+  if (![responder isKindOfClass:[NSText class]]) return nil;
+  NSText *editor = static_cast<id>(responder);
+  return [editor isFieldEditor] ? static_cast<id>([editor delegate]) : nil;
+}
+
+void set_name(NSImage *image, NSString *name) {
+  if (![image setName:name]) {
+    [static_cast<NSImage *>([NSImage imageNamed:name]) setName:nil];
+    [image setName:name];
+  }
+  [image retain];  // the toolkit keeps no hold of a named picture, which lives as long as the program
+}
+
+}  // namespace
+
+NSColor *ns(Colour colour) {
+  return [NSColor colorWithCalibratedRed:colour.red / 255.0
+                                   green:colour.green / 255.0
+                                    blue:colour.blue / 255.0
+                                   alpha:1];
+}
+
+void fill(NSRect area, Colour colour) {
+  [ns(colour) set];
+  NSRectFill(area);
+}
+
+void rounded(NSRect area, CGFloat radius, Colour ground) {
+  [ns(ground) set];
+  [rounded_path(area, radius) fill];
+}
+
+void rounded(NSRect area, CGFloat radius, Colour ground, Colour line, CGFloat width) {
+  rounded(NSInsetRect(area, width / 2, width / 2), radius - width / 2, ground);
+  outline(area, radius, line, width);
+}
+
+void outline(NSRect area, CGFloat radius, Colour line, CGFloat width) {
+  NSBezierPath *path = rounded_path(NSInsetRect(area, width / 2, width / 2), radius - width / 2);
+  [path setLineWidth:width];
+  [ns(line) set];
+  [path stroke];
+}
+
+bool has_focus(NSView *view) {
+  NSWindow *window = [view window];
+  NSResponder *first = [window firstResponder];
+  if (!window || ![window isKeyWindow]) return false;
+  if (first == view) return true;
+  return edited_by(first) == view;
+}
+
+void refresh_focus(NSView *view) {
+  if (id const field = edited_by(view)) {
+    if ([field isKindOfClass:[NSView class]]) [static_cast<NSView *>(field) setNeedsDisplay:YES];
+    return;
+  }
+  [view setNeedsDisplay:YES];
+  [[view enclosingScrollView] setNeedsDisplay:YES];
+}
+
+void draw_chevron(NSPoint middle, CGFloat size, NSRectEdge towards, Colour colour) {
+  bool const lying = towards == NSMinXEdge || towards == NSMaxXEdge;
+  CGFloat const tip = towards == NSMaxXEdge || towards == NSMaxYEdge ? size / 2 : -size / 2;
+  NSBezierPath *path = [NSBezierPath bezierPath];
+  [path moveToPoint:lying ? NSMakePoint(middle.x - tip, middle.y - size) : NSMakePoint(middle.x - size, middle.y - tip)];
+  [path lineToPoint:lying ? NSMakePoint(middle.x + tip, middle.y) : NSMakePoint(middle.x, middle.y + tip)];
+  [path lineToPoint:lying ? NSMakePoint(middle.x - tip, middle.y + size) : NSMakePoint(middle.x + size, middle.y - tip)];
+  [path setLineWidth:1.5];
+  [path setLineCapStyle:NSRoundLineCapStyle];
+  [ns(colour) set];
+  [path stroke];
+}
+
+void draw_spinner(NSRect area, int count, Colour colour) {
+  int const dots = 8;
+  CGFloat const side = std::min(NSWidth(area), NSHeight(area));
+  CGFloat const dot = side / 7;
+  for (int at = 0; at < dots; ++at) {
+    double const angle = 2 * M_PI * at / dots;
+    NSPoint const middle = {NSMidX(area) + std::cos(angle) * (side / 2 - dot), NSMidY(area) + std::sin(angle) * (side / 2 - dot)};
+    double const strength = 1 - ((count - at) % dots + dots) % dots / static_cast<double>(dots);
+    [[ns(colour) colorWithAlphaComponent:strength] set];
+    [[NSBezierPath bezierPathWithOvalInRect:NSMakeRect(middle.x - dot / 2, middle.y - dot / 2, dot, dot)] fill];
+  }
+}
+
+void register_pictures(Palette const &palette) {
+  CGFloat const scale = screen_scale();
+  for (ControlPicture const &control : control_pictures()) {
+    Picture picture(control.width, control.height, scale);
+    control.draw(picture, palette);
+    set_name(image(picture), [NSString stringWithUTF8String:control.name.data()]);
+  }
+  set_name(image(program_picture(64)), @"GNUstep");  // what a program without an icon of its own has
+}
+
+NSImage *alert_image(NSAlertStyle style) {
+  AlertKind const kind = style == NSCriticalAlertStyle        ? AlertKind::stop
+                         : style == NSInformationalAlertStyle ? AlertKind::note
+                                                              : AlertKind::warning;
+  return image(alert_picture(kind, current_palette(), screen_scale()));
+}
+
+}  // namespace fax::theme

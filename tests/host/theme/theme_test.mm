@@ -1,0 +1,151 @@
+// The theme inside a started application, on a display.
+#import <AppKit/AppKit.h>
+
+#include <gmock/gmock.h>
+
+#include <vector>
+
+#import "host/theme/AlertPanel.h"
+#import "host/theme/FaxTheme.h"
+
+using namespace fax::theme;
+
+namespace {
+
+class Theme : public testing::Test {
+ protected:
+  static void SetUpTestSuite() { start_application(Choice::dark); }
+  void SetUp() override { pool_ = [NSAutoreleasePool new]; }
+  void TearDown() override { [pool_ release]; }
+
+ private:
+  NSAutoreleasePool *pool_ = nil;
+};
+
+NSString *repeated(NSString *text, int times) {
+  NSMutableString *whole = [NSMutableString string];
+  for (int at = 0; at < times; ++at) [whole appendString:text];
+  return whole;
+}
+
+TEST_F(Theme, AnswersTheToolkitsColoursAndPictures) {
+  NSColor *ground = [[NSColor windowBackgroundColor] colorUsingColorSpaceName:NSCalibratedRGBColorSpace];
+  Colour const expected = palette(Scheme::dark).window;
+  EXPECT_NEAR([ground redComponent] * 255, expected.red, 1);
+  EXPECT_NEAR([ground blueComponent] * 255, expected.blue, 1);
+  NSButton *box = [[[NSButton alloc] initWithFrame:NSMakeRect(0, 0, 100, 20)] autorelease];
+  [box setButtonType:NSSwitchButton];
+  EXPECT_EQ([[box image] size].width, 15);
+  EXPECT_EQ([[box alternateImage] size].width, 15);
+  EXPECT_NE([box image], [box alternateImage]);
+}
+
+// Every control of a kind is drawn, in every state, without an exception, a look at the disk or a pixel outside it.
+TEST_F(Theme, DrawsEveryControl) {
+  NSWindow *window = [[NSWindow alloc] initWithContentRect:NSMakeRect(50, 50, 400, 300)
+                                                 styleMask:NSTitledWindowMask
+                                                   backing:NSBackingStoreBuffered
+                                                     defer:NO];
+  [window setReleasedWhenClosed:NO];
+  NSTabView *tabs = [[[NSTabView alloc] initWithFrame:NSMakeRect(0, 0, 1, 1)] autorelease];
+  for (NSString *title : {@"One", @"Two"}) {
+    NSTabViewItem *item = [[[NSTabViewItem alloc] initWithIdentifier:title] autorelease];
+    [item setLabel:title];
+    [tabs addTabViewItem:item];
+  }
+  NSProgressIndicator *waiting = [[[NSProgressIndicator alloc] initWithFrame:NSZeroRect] autorelease];
+  [waiting setIndeterminate:YES];
+  NSProgressIndicator *spinning = [[[NSProgressIndicator alloc] initWithFrame:NSZeroRect] autorelease];
+  [spinning setStyle:NSProgressIndicatorSpinningStyle];
+  NSScrollView *scroll = [[[NSScrollView alloc] initWithFrame:NSZeroRect] autorelease];
+  [scroll setHasVerticalScroller:YES];
+  [scroll setHasHorizontalScroller:YES];
+  [scroll setBorderType:NSBezelBorder];
+  [scroll setDocumentView:[[[NSTableView alloc] initWithFrame:NSMakeRect(0, 0, 900, 900)] autorelease]];
+  NSArray *views = [NSArray
+      arrayWithObjects:[[NSButton new] autorelease], [[NSPopUpButton new] autorelease], [[NSTextField new] autorelease],
+                       [[NSSearchField new] autorelease], [[NSSecureTextField new] autorelease],
+                       [[NSComboBox new] autorelease], [[NSStepper new] autorelease], [[NSBox new] autorelease],
+                       [[NSBrowser new] autorelease], [[NSSlider new] autorelease],
+                       [[NSProgressIndicator new] autorelease], waiting, spinning, tabs, scroll, nil];
+  [window makeKeyAndOrderFront:nil];
+  for (NSUInteger at = 0; at < [views count]; ++at) {
+    NSView *view = [views objectAtIndex:at];
+    for (NSSize size : {NSMakeSize(180, 120), NSMakeSize(60, 22), NSMakeSize(3, 3)}) {
+      [view setFrame:NSMakeRect(20, 20, size.width, size.height)];
+      [[window contentView] addSubview:view];
+      for (BOOL enabled : {YES, NO}) {
+        if ([view respondsToSelector:@selector(setEnabled:)]) [static_cast<id>(view) setEnabled:enabled];
+        [window makeFirstResponder:view];
+        EXPECT_NO_THROW([window display]) << [[view className] UTF8String];
+      }
+      [view removeFromSuperview];
+    }
+  }
+  [window orderOut:nil];
+  [window release];
+}
+
+TEST_F(Theme, GivesTooltipsTheRoomTheyNeed) {
+  NSWindow *panel = [[NSClassFromString(@"GSTTPanel") alloc] initWithContentRect:NSMakeRect(0, 0, 100, 25)
+                                                                       styleMask:NSBorderlessWindowMask
+                                                                         backing:NSBackingStoreBuffered
+                                                                           defer:YES];
+  CGFloat before = 0;
+  for (int sentences : {1, 3, 12}) {
+    NSAttributedString *text = [[[NSAttributedString alloc]
+        initWithString:repeated(@"Found at 127.0.0.1, as the queue says. ", sentences)] autorelease];
+    [[panel contentView] performSelector:@selector(setText:) withObject:text];
+    [panel setFrame:NSMakeRect(300, 400, 300, 18) display:NO];
+    CGFloat const height = [panel frame].size.height;
+    EXPECT_GE([panel frame].size.width * height, [text size].width * [text size].height);
+    EXPECT_GT(height, before);
+    EXPECT_EQ(NSMaxY([panel frame]), 418) << "it hangs from where the pointer is";
+    before = height;
+  }
+  [panel release];
+}
+
+TEST_F(Theme, LaysAlertsOut) {
+  struct Case {
+    NSString *message, *advice;
+    std::vector<NSString *> buttons;
+  };
+  NSString *sentence = @"The printer did not answer within the time that was set for it. ";
+  Case const cases[] = {
+      {@"Short.", @"", {@"OK"}},
+      {@"Short.", @"And some advice.", {}},
+      {@"", @"Advice alone.", {@"Delete", @"Cancel"}},
+      {repeated(sentence, 3), repeated(sentence, 6), {@"Delete", @"Cancel", @"Find out more about deleting things"}},
+      {@"A long report", repeated(sentence, 200), {@"OK"}},
+      {@"Lines", repeated(@"line\n", 12), {@"OK"}},
+  };
+  for (Case const &one : cases) {
+    NSAlert *alert = [[[NSAlert alloc] init] autorelease];
+    [alert setMessageText:one.message];
+    [alert setInformativeText:one.advice];
+    for (NSString *title : one.buttons) [alert addButtonWithTitle:title];
+    FaxAlertPanel *panel = [[FaxAlertPanel alloc] initWithAlert:alert];
+    SCOPED_TRACE([one.message UTF8String]);
+    NSView *content = [panel contentView];
+    NSArray *inside = [content subviews];
+    for (NSUInteger at = 0; at < [inside count]; ++at) {
+      NSView *view = [inside objectAtIndex:at];
+      EXPECT_TRUE(NSContainsRect(NSInsetRect([content bounds], 15, 15), [view frame]));
+      for (NSUInteger other = 0; other < at; ++other)
+        EXPECT_FALSE(NSIntersectsRect([view frame], [[inside objectAtIndex:other] frame]));
+      if (![view isKindOfClass:[NSTextField class]]) continue;
+      NSSize const needed = [[static_cast<NSTextField *>(view) cell]
+          cellSizeForBounds:NSMakeRect(0, 0, [view frame].size.width, 1e5)];
+      EXPECT_LE(needed.height, [view frame].size.height) << "a text is cut";
+    }
+    EXPECT_LT([panel frame].size.height, 600);
+    NSButton *first = [[alert buttons] objectAtIndex:0];
+    EXPECT_EQ([panel defaultButtonCell], [first cell]);
+    for (NSUInteger at = 1; at < [[alert buttons] count]; ++at)
+      EXPECT_LT(NSMaxX([[[alert buttons] objectAtIndex:at] frame]), NSMinX([first frame]));
+    [panel release];
+  }
+}
+
+}  // namespace
