@@ -5,6 +5,7 @@
 #include <cmath>
 
 #import "host/theme/drawing.h"
+#include "platform/gnustep/repair.h"
 
 using namespace fax::theme;
 
@@ -24,6 +25,18 @@ static void DrawTab(NSTabViewItem *item, NSRect tab, bool selected, NSView *view
   // This call also keeps the rectangle that clicks are compared with.
   [item drawLabel:NO inRect:NSInsetRect(tab, 10, 3)];
 }
+
+namespace {
+
+// The theme's border has painted the ground of a field; the toolkit would paint a disabled one as if it were a list.
+fax::Repair<void(NSRect, NSView *)> draw_ground{"NSTextFieldCell", "_drawBackgroundWithFrame:inView:",
+                                                [](id self, SEL command, NSRect frame, NSView *view) {
+                                                  NSTextFieldCell *cell = self;
+                                                  if ([cell isBezeled] && ![cell isEnabled]) return;
+                                                  draw_ground(self, command, frame, view);
+                                                }};
+
+}  // namespace
 
 @implementation FaxTheme (Frames)
 

@@ -107,7 +107,8 @@ static void DrawHeader(NSRect frame, bool flipped) {
 // not retain them: naming them as temporary keeps them.
 
 - (NSButtonCell *)cellForScrollerArrow:(NSScrollerArrow)arrow horizontal:(BOOL)horizontal {
-  NSButtonCell *cell = [[[NSButtonCell alloc] init] autorelease];
+  NSButtonCell *cell = [[[NSButtonCell alloc] initTextCell:@""] autorelease];
+  [cell setBordered:NO];
   [self setName:@"FaxScrollerPart" forElement:cell temporary:YES];
   return cell;
 }
@@ -123,7 +124,7 @@ static void DrawHeader(NSRect frame, bool flipped) {
 // Lists in columns, as in the panels for files.
 
 - (BOOL)browserUseBezels {
-  return NO;
+  return YES;
 }
 
 - (NSColor *)browserHeaderTextColor {

@@ -91,6 +91,21 @@ void unmount(Picture &to, Palette const &colours) {
   to.rounded({2, 11}, 12, 2.5, 0.5, colours.glyph);
 }
 
+void folder(Picture &to, Palette const &colours) {
+  double const unit = to.width() / 16;
+  to.rounded({1 * unit, 2.5 * unit}, 7 * unit, 5 * unit, 1.2 * unit, colours.accent);
+  to.rounded({1 * unit, 4.5 * unit}, 14 * unit, 9.5 * unit, 1.5 * unit, colours.accent);
+  to.rounded({1 * unit, 6.5 * unit}, 14 * unit, 7.5 * unit, 1.5 * unit, colours.focus);
+}
+
+void sheet(Picture &to, Palette const &colours) {
+  double const unit = to.width() / 16;
+  to.rounded({3 * unit, 1 * unit}, 10 * unit, 14 * unit, 1.5 * unit, colours.glyph);
+  to.rounded({4 * unit, 2 * unit}, 8 * unit, 12 * unit, 0.8 * unit, colours.field);
+  for (double y : {5.0, 8.0, 11.0})
+    to.stroke({{6 * unit, y * unit}, {10 * unit, y * unit}}, unit, colours.knob);
+}
+
 void nothing(Picture &, Palette const &) {}
 
 // The names starting with GS are what the toolkit makes of the NS names before it looks for a picture.
@@ -116,6 +131,21 @@ constexpr ControlPicture kControls[] = {
     {"common_Home", 16, 16, home},
     {"common_Mount", 16, 16, mount},
     {"common_Unmount", 16, 16, unmount},
+    {"Folder", 48, 48, folder},
+    {"NSFolder", 48, 48, folder},
+    {"ImageFolder", 48, 48, folder},
+    {"DocsFolder", 48, 48, folder},
+    {"DownloadFolder", 48, 48, folder},
+    {"GSFolder", 48, 48, folder},
+    {"LibraryFolder", 48, 48, folder},
+    {"MusicFolder", 48, 48, folder},
+    {"VideoFolder", 48, 48, folder},
+    {"HomeDirectory", 48, 48, folder},
+    {"Desktop", 48, 48, folder},
+    {"Root_PC", 48, 48, folder},
+    {"Unknown", 48, 48, sheet},
+    {"UnknownTool", 48, 48, sheet},
+    {"UnknownApplication", 48, 48, sheet},
     {"common_ret", 1, 1, nothing},
     {"common_retH", 1, 1, nothing},
 };

@@ -69,7 +69,7 @@ constexpr NamedColour kSystem[] = {
     {"windowFrameColor", &Palette::border},
     {"windowFrameTextColor", &Palette::text},
     {"controlColor", &Palette::button},
-    {"controlBackgroundColor", &Palette::disabled_field},
+    {"controlBackgroundColor", &Palette::field},
     {"controlHighlightColor", &Palette::pressed},
     {"controlLightHighlightColor", &Palette::idle_selection},
     {"controlShadowColor", &Palette::border},
