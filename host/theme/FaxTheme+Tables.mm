@@ -5,8 +5,11 @@
 #include <cmath>
 
 #import "host/theme/drawing.h"
+#include "platform/gnustep/repair.h"
 
 using namespace fax::theme;
+
+static CGFloat const kRowAir = 4;
 
 static void DrawHeader(NSRect frame, bool flipped) {
   Palette const &colours = current_palette();
@@ -14,6 +17,26 @@ static void DrawHeader(NSRect frame, bool flipped) {
   CGFloat const bottom = flipped ? NSMaxY(frame) - 1 : NSMinY(frame);
   fill(NSMakeRect(NSMinX(frame), bottom, NSWidth(frame), 1), colours.border);
 }
+
+// Rows as high as the letters in them: a document's fixed number cuts a larger font.
+static CGFloat RowHeight(NSTableView *table) {
+  CGFloat height = [table rowHeight];
+  NSArray *columns = [table tableColumns];
+  for (NSUInteger at = 0; at < [columns count]; ++at) {
+    NSFont *font = [[[columns objectAtIndex:at] dataCell] font];
+    if (font) height = std::max(height, std::ceil([font defaultLineHeightForFont]) + kRowAir);
+  }
+  return height;
+}
+
+namespace {
+fax::Repair<id(NSCoder *)> init_with_coder{"NSTableView", "initWithCoder:",
+                                           [](id self, SEL command, NSCoder *coder) -> id {
+                                             NSTableView *table = init_with_coder(self, command, coder);
+                                             [table setRowHeight:RowHeight(table)];
+                                             return table;
+                                           }};
+}  // namespace
 
 @implementation FaxTheme (Tables)
 

@@ -106,6 +106,8 @@ void sheet(Picture &to, Palette const &colours) {
     to.stroke({{6 * unit, y * unit}, {10 * unit, y * unit}}, unit, colours.knob);
 }
 
+void tile(Picture &to, Palette const &colours) { to.rounded({0, 0}, to.width(), to.height(), 8, colours.panel); }
+
 void nothing(Picture &, Palette const &) {}
 
 // The names starting with GS are what the toolkit makes of the NS names before it looks for a picture.
@@ -146,6 +148,7 @@ constexpr ControlPicture kControls[] = {
     {"Unknown", 48, 48, sheet},
     {"UnknownTool", 48, 48, sheet},
     {"UnknownApplication", 48, 48, sheet},
+    {"common_Tile", 64, 64, tile},  // below the icons of minimised windows
     {"common_ret", 1, 1, nothing},
     {"common_retH", 1, 1, nothing},
 };

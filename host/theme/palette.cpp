@@ -68,7 +68,7 @@ constexpr NamedColour kSystem[] = {
     {"windowBackgroundColor", &Palette::window},
     {"windowFrameColor", &Palette::border},
     {"windowFrameTextColor", &Palette::text},
-    {"controlColor", &Palette::button},
+    {"controlColor", &Palette::field},
     {"controlBackgroundColor", &Palette::field},
     {"controlHighlightColor", &Palette::pressed},
     {"controlLightHighlightColor", &Palette::idle_selection},

@@ -15,8 +15,8 @@ CommandLine parsed(std::vector<std::string> const &arguments) {
 
 TEST(CommandLine, EveryOptionReachesItsField) {
   CommandLine const line = parsed({"--printer", "fax", "-o", "A=1", "report.pdf", "--option=B=x=y z", "--copies", "3",
-                                   "--title", "", "--extension", "/x.bundle", "--timing", "--no-status", "--ui-map", "map", "--output",
-                                   "out.pdf"});
+                                   "--title", "", "--extension", "/x.bundle", "--timing", "--no-status", "--ui-map", "map",
+                                   "--output", "out.pdf", "--theme", "dark"});
   EXPECT_EQ(line.action, CommandLine::Action::print);
   EXPECT_EQ(line.printer, "fax");
   EXPECT_EQ(line.options, (std::vector<Setting>{{"A", "1"}, {"B", "x=y z"}}));
@@ -27,6 +27,7 @@ TEST(CommandLine, EveryOptionReachesItsField) {
   EXPECT_FALSE(line.status);
   EXPECT_EQ(line.ui_map, "map");
   EXPECT_EQ(line.output, "out.pdf");
+  EXPECT_EQ(line.theme, "dark");
   EXPECT_EQ(line.destination, Destination::file);
   EXPECT_EQ(line.file, "report.pdf");
 }
@@ -35,6 +36,7 @@ TEST(CommandLine, DefaultsAndTexts) {
   CommandLine const line = parsed({"--", "--odd-name"});
   EXPECT_EQ(line.file, "--odd-name");
   EXPECT_EQ(line.copies, 1);
+  EXPECT_EQ(line.theme, "auto");
   EXPECT_EQ(line.destination, Destination::printer);
   EXPECT_FALSE(line.printer || line.title || line.output);
   EXPECT_EQ(parsed({"--to", "preview", "a"}).destination, Destination::preview);
@@ -66,6 +68,7 @@ INSTANTIATE_TEST_SUITE_P(Table, WrongLines,
                                          WrongLine{{"--timing", "--colour", "a"}, "\"--colour\""},          //
                                          WrongLine{{"--timing", "-x", "a"}, "\"-x\""},                      //
                                          WrongLine{{"--t", "x"}, "\"--t\""},                                //
+                                         WrongLine{{"--theme", "blue", "a"}, "not \"blue\""},              //
                                          WrongLine{{"--timing=yes", "a"}, "--timing takes no value"},       //
                                          WrongLine{{"a", "--printer"}, "--printer needs a value"},          //
                                          WrongLine{{"-d", "", "a"}, "--printer needs a value"},             //
