@@ -98,7 +98,7 @@ static CGFloat WidthOfAll(NSArray *buttons) {
   self = [super initWithContentRect:NSMakeRect(0, 0, whole.width, whole.height)
                           styleMask:NSTitledWindowMask
                             backing:NSBackingStoreBuffered
-                              defer:NO];
+                              defer:YES];
   if (!self) return nil;
   [self setReleasedWhenClosed:NO];
   [self setHidesOnDeactivate:NO];

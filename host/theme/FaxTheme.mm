@@ -21,13 +21,39 @@ fax::Repair<BOOL(NSResponder *)> make_first_responder{
       return made;
     }};
 
+// A field loses its editor before the focus moves on, so only here it is still known which field that was.
+fax::Repair<void(NSText *)> end_editing{"NSCell", "endEditing:", [](id self, SEL command, NSText *editor) {
+                                          id const field = [editor delegate];
+                                          end_editing(self, command, editor);
+                                          if ([field isKindOfClass:[NSView class]])
+                                            [static_cast<NSView *>(field) setNeedsDisplay:YES];
+                                        }};
+
 }  // namespace
 
 @implementation FaxTheme
 
+- (id)initWithBundle:(NSBundle *)bundle {
+  if (!(self = [super initWithBundle:bundle])) return nil;
+  for (NSString *change : {NSWindowDidBecomeKeyNotification, NSWindowDidResignKeyNotification}) {
+    [[NSNotificationCenter defaultCenter] addObserver:self
+                                             selector:@selector(keyWindowChanged:)
+                                                 name:change
+                                               object:nil];
+  }
+  return self;
+}
+
 - (void)dealloc {
+  [[NSNotificationCenter defaultCenter] removeObserver:self];
   [_systemColours release];
   [super dealloc];
+}
+
+// Focus is shown in the window that has the keyboard only.
+- (void)keyWindowChanged:(NSNotification *)notification {
+  id const first = [static_cast<NSWindow *>([notification object]) firstResponder];
+  if ([first isKindOfClass:[NSView class]]) refresh_focus(first);
 }
 
 - (NSString *)name {

@@ -86,6 +86,31 @@ TEST_F(Theme, DrawsEveryControl) {
   [window release];
 }
 
+// What is framed for the focus has to be drawn anew when the focus leaves, too.
+TEST_F(Theme, DrawsAFieldAnewThatLosesTheFocus) {
+  NSWindow *window = [[NSWindow alloc] initWithContentRect:NSMakeRect(50, 50, 300, 100)
+                                                 styleMask:NSTitledWindowMask
+                                                   backing:NSBackingStoreBuffered
+                                                     defer:NO];
+  [window setReleasedWhenClosed:NO];
+  NSTextField *first = [[[NSTextField alloc] initWithFrame:NSMakeRect(10, 60, 200, 22)] autorelease];
+  NSTextField *second = [[[NSTextField alloc] initWithFrame:NSMakeRect(10, 20, 200, 22)] autorelease];
+  [[window contentView] addSubview:first];
+  [[window contentView] addSubview:second];
+  [first setNextKeyView:second];
+  [window makeKeyAndOrderFront:nil];
+  [window makeFirstResponder:first];
+  [window displayIfNeeded];
+  ASSERT_FALSE([first needsDisplay] || [second needsDisplay]);
+  NSText *editor = [first currentEditor];
+  ASSERT_NE(editor, nil);
+  [editor doCommandBySelector:@selector(insertTab:)];
+  EXPECT_EQ([second currentEditor], editor);
+  EXPECT_TRUE([first needsDisplay] && [second needsDisplay]);
+  [window orderOut:nil];
+  [window release];
+}
+
 TEST_F(Theme, GivesTooltipsTheRoomTheyNeed) {
   NSWindow *panel = [[NSClassFromString(@"GSTTPanel") alloc] initWithContentRect:NSMakeRect(0, 0, 100, 25)
                                                                        styleMask:NSBorderlessWindowMask
