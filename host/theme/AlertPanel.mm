@@ -1,5 +1,5 @@
-// Alerts of our own make: the kind's picture, what happened, what can be done, the buttons. The toolkit's panel sets the
-// message on one line, centres the rest and breaks no lines.
+// Alerts of our own make: the kind's picture, what happened, what can be done, the buttons. The toolkit's panel sets
+// the message on one line, centres the rest and breaks no lines.
 #import "host/theme/AlertPanel.h"
 
 #include <algorithm>

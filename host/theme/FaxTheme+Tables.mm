@@ -68,8 +68,10 @@ fax::Repair<id(NSCoder *)> init_with_coder{"NSTableView", "initWithCoder:",
   NSTableView *table = static_cast<id>(view);
   CGFloat const height = [table rowHeight];  // also the distance of two rows
   if (height < 1) return;
-  for (auto row = static_cast<NSInteger>(std::max<CGFloat>(0, NSMinY(clip)) / height); row * height < NSMaxY(clip); ++row) {
-    if (row % 2 == 1) fill(NSIntersectionRect(clip, NSMakeRect(NSMinX(clip), row * height, NSWidth(clip), height)), colours.stripe);
+  auto const first = static_cast<NSInteger>(std::max<CGFloat>(0, NSMinY(clip)) / height);
+  for (NSInteger row = first | 1; row * height < NSMaxY(clip); row += 2) {
+    NSRect const stripe = NSMakeRect(NSMinX(clip), row * height, NSWidth(clip), height);
+    fill(NSIntersectionRect(clip, stripe), colours.stripe);
   }
 }
 

@@ -9,7 +9,7 @@ static Scheme decided = Scheme::light;
 
 namespace {
 
-// The toolkit draws anew what tells by itself that it has the focus; the theme's frames around fields and tables do too.
+// The toolkit draws anew what tells by itself that it has the focus; here fields and tables tell it by their frames.
 fax::Repair<BOOL(NSResponder *)> make_first_responder{
     "NSWindow", "makeFirstResponder:", [](id self, SEL command, NSResponder *next) -> BOOL {
       NSWindow *window = self;

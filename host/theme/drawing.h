@@ -26,7 +26,7 @@ void draw_spinner(NSRect area, int count, Colour colour);
 // True when what is typed goes to this view, itself or by the field editor.
 bool has_focus(NSView *view);
 
-// Has a view drawn again whose frame shows the focus: itself, the field that an editor edits for, the scroll view around.
+// Has drawn again what shows a view's focus: itself, the field that an editor works for, the scroll view around it.
 void refresh_focus(NSView *view);
 
 // Every picture under its name, so that the toolkit never searches for one.

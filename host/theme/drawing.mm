@@ -107,9 +107,15 @@ void draw_chevron(NSPoint middle, CGFloat size, NSRectEdge towards, Colour colou
   bool const lying = towards == NSMinXEdge || towards == NSMaxXEdge;
   CGFloat const tip = towards == NSMaxXEdge || towards == NSMaxYEdge ? size / 2 : -size / 2;
   NSBezierPath *path = [NSBezierPath bezierPath];
-  [path moveToPoint:lying ? NSMakePoint(middle.x - tip, middle.y - size) : NSMakePoint(middle.x - size, middle.y - tip)];
-  [path lineToPoint:lying ? NSMakePoint(middle.x + tip, middle.y) : NSMakePoint(middle.x, middle.y + tip)];
-  [path lineToPoint:lying ? NSMakePoint(middle.x - tip, middle.y + size) : NSMakePoint(middle.x + size, middle.y - tip)];
+  NSPoint const offsets[] = {{-size, -tip}, {0, tip}, {size, -tip}};
+  for (NSPoint const &offset : offsets) {
+    NSPoint const at = lying ? NSMakePoint(middle.x + offset.y, middle.y + offset.x)
+                             : NSMakePoint(middle.x + offset.x, middle.y + offset.y);
+    if (&offset == offsets)
+      [path moveToPoint:at];
+    else
+      [path lineToPoint:at];
+  }
   [path setLineWidth:1.5];
   [path setLineCapStyle:NSRoundLineCapStyle];
   [ns(colour) set];
@@ -122,7 +128,8 @@ void draw_spinner(NSRect area, int count, Colour colour) {
   CGFloat const dot = side / 7;
   for (int at = 0; at < dots; ++at) {
     double const angle = 2 * M_PI * at / dots;
-    NSPoint const middle = {NSMidX(area) + std::cos(angle) * (side / 2 - dot), NSMidY(area) + std::sin(angle) * (side / 2 - dot)};
+    CGFloat const radius = side / 2 - dot;
+    NSPoint const middle = {NSMidX(area) + std::cos(angle) * radius, NSMidY(area) + std::sin(angle) * radius};
     double const strength = 1 - ((count - at) % dots + dots) % dots / static_cast<double>(dots);
     [[ns(colour) colorWithAlphaComponent:strength] set];
     [[NSBezierPath bezierPathWithOvalInRect:NSMakeRect(middle.x - dot / 2, middle.y - dot / 2, dot, dot)] fill];

@@ -73,8 +73,8 @@ void Picture::convex(std::vector<Point> const &corners, Colour colour) {
         double farthest = -HUGE_VAL;
         for (std::size_t at = 0; at < corners.size(); ++at) {
           Point const a = corners[at], b = next(at);
-          double const side = ((b.y - a.y) * (p.x - a.x) - (b.x - a.x) * (p.y - a.y)) / std::hypot(b.x - a.x, b.y - a.y);
-          farthest = std::max(farthest, sign * side);
+          double const across = (b.y - a.y) * (p.x - a.x) - (b.x - a.x) * (p.y - a.y);
+          farthest = std::max(farthest, sign * across / std::hypot(b.x - a.x, b.y - a.y));
         }
         return farthest;
       },

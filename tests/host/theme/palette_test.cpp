@@ -104,7 +104,8 @@ TEST(Contrast, SufficesBetweenTheToolkitsOwnNames) {
   for (Scheme scheme : {Scheme::light, Scheme::dark}) {
     for (auto const &[over, ground] : pairs) {
       ASSERT_TRUE(named.contains(over) && named.contains(ground)) << over << " on " << ground;
-      EXPECT_GE(contrast(palette(scheme).*named[over], palette(scheme).*named[ground]), kText) << over << " on " << ground;
+      EXPECT_GE(contrast(palette(scheme).*named[over], palette(scheme).*named[ground]), kText)
+          << over << " on " << ground;
     }
   }
 }
@@ -144,7 +145,8 @@ TEST(Icons, AreDrawnInEveryScheme) {
     for (ControlPicture const &control : control_pictures()) {
       Picture picture(control.width, control.height);
       control.draw(picture, palette(scheme));
-      bool const blank = std::all_of(picture.pixels().begin(), picture.pixels().end(), [](auto byte) { return byte == 0; });
+      auto const &pixels = picture.pixels();
+      bool const blank = std::all_of(pixels.begin(), pixels.end(), [](auto byte) { return byte == 0; });
       EXPECT_EQ(blank, control.name.starts_with("common_ret")) << control.name;
     }
     std::set<std::vector<std::uint8_t>> different;

@@ -10,6 +10,20 @@
 
 using namespace fax::theme;
 
+// Tells what of it was drawn.
+@interface DrawnField : NSTextField {
+ @public
+  NSRect drawn;
+}
+@end
+
+@implementation DrawnField
+- (void)drawRect:(NSRect)area {
+  drawn = NSUnionRect(drawn, area);
+  [super drawRect:area];
+}
+@end
+
 namespace {
 
 class Theme : public testing::Test {
@@ -93,20 +107,21 @@ TEST_F(Theme, DrawsAFieldAnewThatLosesTheFocus) {
                                                    backing:NSBackingStoreBuffered
                                                      defer:NO];
   [window setReleasedWhenClosed:NO];
-  NSTextField *first = [[[NSTextField alloc] initWithFrame:NSMakeRect(10, 60, 200, 22)] autorelease];
-  NSTextField *second = [[[NSTextField alloc] initWithFrame:NSMakeRect(10, 20, 200, 22)] autorelease];
+  DrawnField *first = [[[DrawnField alloc] initWithFrame:NSMakeRect(10, 60, 200, 22)] autorelease];
+  DrawnField *second = [[[DrawnField alloc] initWithFrame:NSMakeRect(10, 20, 200, 22)] autorelease];
   [[window contentView] addSubview:first];
   [[window contentView] addSubview:second];
   [first setNextKeyView:second];
   [window makeKeyAndOrderFront:nil];
   [window makeFirstResponder:first];
   [window displayIfNeeded];
-  ASSERT_FALSE([first needsDisplay] || [second needsDisplay]);
   NSText *editor = [first currentEditor];
   ASSERT_NE(editor, nil);
   [editor doCommandBySelector:@selector(insertTab:)];
   EXPECT_EQ([second currentEditor], editor);
-  EXPECT_TRUE([first needsDisplay] && [second needsDisplay]);
+  first->drawn = second->drawn = NSZeroRect;
+  [window displayIfNeeded];
+  for (DrawnField *field : {first, second}) EXPECT_TRUE(NSContainsRect(field->drawn, [field bounds]));
   [window orderOut:nil];
   [window release];
 }
