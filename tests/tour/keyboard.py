@@ -16,10 +16,11 @@ import sys
 import tempfile
 import time
 
-sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "script"))
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "script", "tour"))
 sys.dont_write_bytecode = True
-import tour  # noqa: E402
-from tour import FAX_DIALOG, TourError, differences, run, wait_for  # noqa: E402
+from address_books import FAX_DIALOG, SCRIPTS  # noqa: E402
+from fax import CHOICES  # noqa: E402
+from screen import Screen, TourError, differences, run, wait_for  # noqa: E402
 
 MAP_PERIOD = 0.2  # seconds; the dialog writes its map ten times a second
 BOOK_DIALOG = "Address Book"
@@ -35,7 +36,7 @@ BOOK_RING = ["Search", "pcTable", "destinationTable", "Delete", "Help", "Cancel"
 ENTRY_RING = ["Close", "Name", "Fax Number", "Company", "Note"]
 
 
-class Keyboard(tour.Screen):
+class Keyboard(Screen):
     def keys(self, *names):
         super().keys(*names)
         time.sleep(MAP_PERIOD)
@@ -276,7 +277,7 @@ def make_book(build, work):
 def expected_ticket():
     return {
         "copies": 2,
-        "options": {key: choice for key, _, _, choice in tour.CHOICES},
+        "options": {key: choice for key, _, _, choice in CHOICES},
         "senderName": SENDER,
         "password": "",
         "delayed": False,
@@ -286,7 +287,7 @@ def expected_ticket():
 
 def work_through(arguments, work):
     cups = os.path.join(work, "cups")
-    private_cups = os.path.join(tour.SCRIPTS, "private-cups")
+    private_cups = os.path.join(SCRIPTS, "private-cups")
     server = run(private_cups, "start", cups, "--build", arguments.build, "--owner", str(os.getpid())).strip()
     map_file = os.path.join(work, "map.json")
     run("setxkbmap", "de")
