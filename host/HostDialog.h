@@ -13,6 +13,7 @@
 #import "host/HostNews.h"
 #import "host/HostOverlay.h"
 #import "host/HostPanels.h"
+#import "host/HostPreview.h"
 #import "host/HostPrinterFinder.h"
 
 @class HostDialog;
@@ -22,13 +23,14 @@
 - (void)dialogDidFinish:(HostDialog *)dialog;
 @end
 
-@interface HostDialog : NSObject <HostDialogActions, HostNewsOwner, HostPanelsOwner, HostPrinterFinderOwner> {
+@interface HostDialog : NSObject <HostDialogActions, HostNewsOwner, HostPanelsOwner, HostPreviewOwner, HostPrinterFinderOwner> {
   struct HostDialogState *_state;
   id<HostDialogOwner> _owner;
   id<HostAlerting> _alerts;
   HostDialogWindow *_window;
   HostNews *_news;
   HostPanels *_panels;
+  HostPreview *_preview;
   HostPrinterFinder *_finder;
   HostDelivery *_delivery;
   HostOverlay *_overlay;
@@ -49,4 +51,7 @@
 // The job that a print queue was given; NULL when there is none. Lives as long as the dialog.
 - (fax::host::SubmittedJob const *)submittedJob;
 - (NSString *)status;
+// What is to be remembered for the next time: of the printer and its options after a job went out, else only the window's
+// size. Never a print setting, and so neither recipients nor a password.
+- (fax::host::Memory)memory;
 @end

@@ -44,8 +44,20 @@ struct HostDialogState {
   std::optional<SubmittedJob> submitted;
 };
 
+namespace {
+
+// Of all documents together.
+std::string first_title(DialogRequest const &request) {
+  std::vector<Document> documents{request.document};
+  documents.insert(documents.end(), request.further.begin(), request.further.end());
+  return PrintPlan(documents).title();
+}
+
+}  // namespace
+
 @interface HostDialog ()
 - (void)fillPopUps;
+- (void)layOutPages;
 - (void)usePPD:(std::shared_ptr<PpdFile> const &)ppd;
 - (void)makePanels;
 - (void)showPrinterStatus;
@@ -67,13 +79,15 @@ struct HostDialogState {
   _owner = owner;
   _alerts = [(id)alerts retain];
   _extensions = [NSMutableDictionary new];
-  _window = [[HostDialogWindow alloc] initWithTitle:HostFormat(@"Print \"%@\"", ns(request.document.title()))
+  _window = [[HostDialogWindow alloc] initWithTitle:HostFormat(@"Print \"%@\"", ns(first_title(request)))
                                              copies:request.command_line.copies
                                              target:self];
   _help = [HostHelpWindow new];
   [_help serveHelpBooks];
   _news = [[HostNews alloc] initWithAlerts:alerts owner:self];
   _panels = [[HostPanels alloc] initWithWindow:_window news:_news owner:self];
+  _preview = [[HostPreview alloc] initWithRequest:request window:_window alerts:alerts owner:self];
+  if (auto const size = request.memory.window) [_window setSize:NSMakeSize(size->width, size->height)];
   _finder = [[HostPrinterFinder alloc] initForOwner:self];
   _delivery = [[HostDelivery alloc] initWithRequest:&_state->request window:_window alerts:alerts];
   _overlay = [[HostOverlay alloc] initAbove:[_window window] help:_help timing:request.command_line.timing];
@@ -85,6 +99,8 @@ struct HostDialogState {
 
 - (void)dealloc {
   [_finder stop];
+  [_preview stop];
+  [_preview release];
   [_overlay release];
   [_delivery release];
   [_panels drop];
@@ -141,6 +157,8 @@ struct HostDialogState {
   [[_window window] makeKeyAndOrderFront:nil];
   [_panels showChosen];
   draw_now([_window window]);
+  [self layOutPages];
+  [_preview start];
   if (!_state->request.command_line.timing) return;
   std::printf("panel view: %.1f ms\n", std::chrono::duration<double, std::milli>(Clock::now() - start).count());
   std::fflush(stdout);
@@ -249,7 +267,8 @@ struct HostDialogState {
   if (read) {
     ppd = std::move(read.value());
     if (ppd) {
-      if (auto failed = ppd->mark_initial([self queue].defaults, _state->request.command_line.options)) {
+      auto const &request = _state->request;
+      if (auto failed = mark_remembered(*ppd, request.memory, [self queue], request.command_line.options)) {
         [_news tellLater:failed->text()];
         ppd->mark_initial([self queue].defaults, {});
       }
@@ -259,6 +278,22 @@ struct HostDialogState {
   }
   [self usePPD:ppd];
   [_panels showChosen];
+  [self layOutPages];
+}
+
+// Texts and images are laid out for the printer's paper.
+- (void)layOutPages {
+  PageLayout layout{[self queue].name, layout_options(_state->request.command_line.options)};
+  if (_state->ppd) {
+    for (auto const &option : layout_options(_state->ppd->job_options())) layout.options.push_back(option);
+  } else {
+    layout.queue = "";
+  }
+  [_preview useLayout:layout];
+}
+
+- (void)previewDidChange {
+  [_panels refreshSummary];
 }
 
 - (void)sendDestination {
@@ -283,6 +318,7 @@ struct HostDialogState {
 
 - (void)choosePanel:(id)sender {
   [_panels userDidChoose];
+  [self layOutPages];
 }
 
 - (SummarySection)dialogSummary {
@@ -291,12 +327,23 @@ struct HostDialogState {
   own.rows.push_back({utf8(HostText(@"Destination")), utf8([[_window destinationPopUp] titleOfSelectedItem])});
   int const copies = [_window copies];
   own.rows.push_back({utf8(HostText(@"Copies")), copies > 0 ? std::to_string(copies) : ""});
-  own.rows.push_back({utf8(HostText(@"Document")), _state->request.document.title()});
+  own.rows.push_back({utf8(HostText(@"Document")), utf8([_preview title])});
+  own.rows.push_back({utf8(HostText(@"Pages")), utf8([_preview pagesSummary])});
   return own;
 }
 
 - (void)newsWillBeTold {
   [_panels restoreIfDue];
+}
+
+- (Memory)memory {
+  Memory memory = _state->request.memory;
+  NSSize const size = [_window size];
+  memory.window = WindowSize{static_cast<int>(size.width), static_cast<int>(size.height)};
+  if (_state->exit_code != ExitCode::ok) return memory;
+  memory.printer = [self queue].name;
+  if (_state->ppd) memory.options[memory.printer] = worth_remembering(_state->ppd->job_options());
+  return memory;
 }
 
 // The buttons.
@@ -316,6 +363,7 @@ struct HostDialogState {
   _state->finished = true;
   _state->exit_code = code;
   [_finder stop];
+  [_preview stop];
   [_news stop];
   [_help close];
   [[_window window] orderOut:nil];
@@ -339,6 +387,10 @@ struct HostDialogState {
   [[_window window] makeFirstResponder:nil];
   if ([_window copies] == 0) return [_window refuseCopies];
   if (![_panels saveAll]) return;
+  [self layOutPages];
+  auto const document = [_preview documentToPrint];
+  if (!document) return;
+  _state->request.document = *document;
   // A panel may write a job's keys while it is asked; when no job comes of it they must not leak into the next one.
   auto const before = read_settings(_state->settings);
   if (![self panelsLetPrint] || ![self deliver]) restore_settings(_state->settings, before);

@@ -33,6 +33,7 @@
   NSButton *helpButton;
   NSButton *cancelButton;
   NSButton *printButton;
+  NSView *_side;
   NSString *_printerStatus;
   BOOL _keepsSize;
 }
@@ -55,6 +56,13 @@
 - (int)copies;
 // Says that it holds none and puts the focus there.
 - (void)refuseCopies;
+
+// Puts a view beside the controls, at the right, as high as the window, and makes the window wider for it. Its controls
+// follow those of the panel for the tab key.
+- (void)setSide:(NSView *)view;
+// The size of the window's content in points. Never smaller than the controls need nor larger than the screen.
+- (NSSize)size;
+- (void)setSize:(NSSize)size;
 
 // Fills the area below the pop-up of the panels. One that keeps its size makes the window larger when it needs that
 // (never smaller) and stands in the middle; any other fills the area.

@@ -18,6 +18,7 @@ static CGFloat const kNarrowGap = 3;  // between a control and the line that bel
 - (void)makeControls;
 - (void)makeCopies:(int)copies;
 - (void)layOut;
+- (NSSize)room;
 - (CGFloat)layOutRows;
 - (void)layOutButtons:(CGFloat)top;
 - (void)makeRoomFor:(NSView *)view;
@@ -124,7 +125,7 @@ static CGFloat const kNarrowGap = 3;  // between a control and the line that bel
 // Where everything is.
 
 - (void)layOut {
-  NSSize const size = [[window contentView] bounds].size;
+  NSSize const size = [self room];
   CGFloat const top = [self layOutRows];
   CGFloat const buttons = size.height - kMargin - kRow;
   CGFloat const status = buttons - kGap - kTextRow;
@@ -144,7 +145,7 @@ static CGFloat const kNarrowGap = 3;  // between a control and the line that bel
   NSView *const controls[] = {printerPopUp, destinationPopUp, copiesField, panelPopUp};
   for (NSTextField *label : labels) labelWidth = std::max(labelWidth, roomy_width([label stringValue]));
   CGFloat const left = kMargin + labelWidth + kGap;
-  CGFloat const width = [[window contentView] bounds].size.width - left - kMargin;
+  CGFloat const width = [self room].width - left - kMargin;
   CGFloat y = kMargin;
   for (std::size_t at = 0; at < std::size(labels); ++at) {
     if (labels[at] == panelLabel) y += kGap;
@@ -164,10 +165,44 @@ static CGFloat const kNarrowGap = 3;  // between a control and the line that bel
 
 - (void)layOutButtons:(CGFloat)top {
   [helpButton setFrameOrigin:NSMakePoint(kMargin, top)];
-  CGFloat right = [[window contentView] bounds].size.width - kMargin - [printButton frame].size.width;
+  CGFloat right = [self room].width - kMargin - [printButton frame].size.width;
   [printButton setFrameOrigin:NSMakePoint(right, top)];
   right -= kGap + [cancelButton frame].size.width;
   [cancelButton setFrameOrigin:NSMakePoint(right, top)];
+}
+
+// What the controls have for themselves.
+- (NSSize)room {
+  NSSize const size = [[window contentView] bounds].size;
+  return _side ? NSMakeSize(NSMinX([_side frame]), size.height) : size;
+}
+
+- (void)setSide:(NSView *)view {
+  CGFloat const more = [view frame].size.width + kMargin;
+  NSSize const size = [[window contentView] bounds].size;
+  NSSize const smallest = [window contentMinSize];
+  [view setFrame:NSMakeRect(size.width, kMargin, [view frame].size.width, size.height - 2 * kMargin)];
+  [view setAutoresizingMask:NSViewMinXMargin | NSViewHeightSizable];
+  [window setContentMinSize:NSMakeSize(smallest.width + more, smallest.height)];
+  // Only what comes later follows the window's size.
+  [window setContentSize:NSMakeSize(size.width + more, size.height)];
+  [[window contentView] addSubview:view];
+  _side = view;
+  [window center];
+  [self layOut];
+}
+
+- (NSSize)size {
+  return [[window contentView] bounds].size;
+}
+
+- (void)setSize:(NSSize)size {
+  NSSize const screen = [[NSScreen mainScreen] visibleFrame].size;
+  NSSize const smallest = [window contentMinSize];
+  [window setContentSize:NSMakeSize(std::max(smallest.width, std::min(size.width, screen.width)),
+                                    std::max(smallest.height, std::min(size.height, screen.height)))];
+  [window center];
+  [self layOut];
 }
 
 - (void)windowDidResize:(NSNotification *)notification {
@@ -312,6 +347,7 @@ static CGFloat const kNarrowGap = 3;  // between a control and the line that bel
 - (void)joinFocus {
   NSMutableArray *ring = [NSMutableArray arrayWithObjects:printerPopUp, destinationPopUp, copiesField, panelPopUp, nil];
   [ring addObjectsFromArray:focus_order([panelArea contentView])];
+  if (_side) [ring addObjectsFromArray:focus_order(_side)];
   [ring addObject:helpButton];
   [ring addObject:cancelButton];
   [ring addObject:printButton];

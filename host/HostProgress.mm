@@ -73,7 +73,7 @@
 
 - (void)showDone:(std::uint64_t)done total:(std::uint64_t)total {
   [_bar setDoubleValue:total ? static_cast<double>(done) / static_cast<double>(total) : 0];
-  if (_cancelled) return;
+  if (_cancelled || total == 0) return;
   auto const kilobytes = [](std::uint64_t bytes) { return static_cast<int>((bytes + 1023) / 1024); };
   [_amount setStringValue:HostFormat(@"%d of %d KB", kilobytes(done), kilobytes(total))];
 }

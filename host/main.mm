@@ -12,6 +12,7 @@
 
 #include "host/core/command_line.h"
 #include "host/core/document.h"
+#include "host/core/memory.h"
 #include "host/core/ppd_file.h"
 #include "host/core/queues.h"
 #include "host/theme/preference.h"
@@ -96,6 +97,9 @@ using namespace fax::host;
 }
 
 - (void)dialogDidFinish:(HostDialog *)dialog {
+  if (auto const failed = save_memory([dialog memory], memory_file())) {
+    std::fprintf(stderr, "faxprint: %s\n", failed->text().c_str());
+  }
   SubmittedJob const *const job = [dialog submittedJob];
   if (job && _request->command_line.status) [self follow:*job];
   if (!_status) [self end];
@@ -150,10 +154,36 @@ static std::filesystem::path ApplicationFolder() {
   return failed ? std::filesystem::current_path() : program.parent_path();
 }
 
+static Result<std::vector<Document>> OpenAll(std::vector<std::string> const &files) {
+  std::vector<Document> documents;
+  for (auto const &file : files) {
+    auto document = file == "-" ? Document::of_stream(STDIN_FILENO, "-", "Standard Input") : Document::open(file);
+    if (!document) return document.failure();
+    documents.push_back(document.value());
+  }
+  return documents;
+}
+
+// A memory that is broken is told of and left out.
+static Memory Remembered() {
+  auto memory = load_memory(memory_file());
+  if (memory) return memory.value();
+  std::fprintf(stderr, "faxprint: %s\n", memory.failure().text().c_str());
+  return {};
+}
+
+// The printer used last, if there still is one of that name, comes before the default one.
+static Result<Queue> ChooseQueue(std::vector<Queue> const &queues, CommandLine const &line, Memory const &memory) {
+  if (!line.printer && !memory.printer.empty()) {
+    if (auto last = choose_queue(queues, memory.printer)) return last;
+  }
+  return choose_queue(queues, line.printer);
+}
+
 // Everything that can go wrong before there is a window.
 static Result<DialogRequest> Prepare(CommandLine const &line) {
-  auto document = Document::open(line.file);
-  if (!document) return document.failure();
+  auto documents = OpenAll(line.files);
+  if (!documents) return documents.failure();
   std::error_code ignored;
   if (line.extension && !std::filesystem::is_directory(*line.extension, ignored)) {
     return Failure{ExitCode::extension, "There is no print dialog extension at \"" + *line.extension + "\".",
@@ -162,15 +192,17 @@ static Result<DialogRequest> Prepare(CommandLine const &line) {
   Server const server = Server::current();
   auto queues = list_queues(server);
   if (!queues) return queues.failure();
-  auto queue = choose_queue(queues.value(), line.printer);
+  Memory const memory = Remembered();
+  auto queue = ChooseQueue(queues.value(), line, memory);
   if (!queue) return queue.failure();
   auto ppd = PpdFile::of_queue(server, queue.value().name);
   if (!ppd) return ppd.failure();
   if (ppd.value()) {
-    if (auto failed = ppd.value()->mark_initial(queue.value().defaults, line.options)) return *failed;
+    if (auto failed = mark_remembered(*ppd.value(), memory, queue.value(), line.options)) return *failed;
   }
-  return DialogRequest{server,           queues.value(), queue.value(), std::move(ppd.value()),
-                       document.value(), line,           ApplicationFolder()};
+  auto &all = documents.value();
+  return DialogRequest{server, queues.value(), queue.value(), std::move(ppd.value()), all.front(), line,
+                       ApplicationFolder(), {all.begin() + 1, all.end()}, memory};
 }
 
 static int RunDialog(DialogRequest const &request) {
@@ -208,6 +240,10 @@ static int Run(std::vector<std::string> const &arguments) {
       if (!queues) return Fail(queues.failure());
       std::fputs(queue_table(queues.value()).c_str(), stdout);
       return 0;
+    }
+    case CommandLine::Action::forget: {
+      auto const failed = forget_memory(memory_file());
+      return failed ? Fail(*failed) : 0;
     }
     case CommandLine::Action::print: break;
   }

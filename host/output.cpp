@@ -1,7 +1,6 @@
 #include "host/output.h"
 
 #include <fcntl.h>
-#include <signal.h>
 #include <spawn.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -100,32 +99,13 @@ std::optional<Failure> copy(Document const &document, int fd, std::string const 
   }
 }
 
-// The document as PDF in the file at fd. Runs until the filters end or the user cancels.
-std::optional<Failure> convert(std::string const &cupsfilter, Document const &document, int fd,
-                               std::string const &path, OutputProgress const &progress) {
-  FreshFile input{(fs::temp_directory_path() / "faxprint-XXXXXX").string(), 0};
-  if (input.fd() < 0) return file_failure(input.path(), errno);
-  if (auto failed = copy(document, input.fd(), path, progress)) return failed;
-  pid_t const pid = start({cupsfilter, "-m", "application/pdf", input.path()}, fd);
-  int status = 0;
-  while (pid && waitpid(pid, &status, WNOHANG) == 0) {
-    if (progress && !progress(document.size(), document.size())) {
-      kill(pid, SIGTERM);
-      waitpid(pid, &status, 0);
-      return Failure{ExitCode::cancelled, "Writing the file was cancelled.", ""};
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
-  }
-  if (pid && WIFEXITED(status) && WEXITSTATUS(status) == 0) return std::nullopt;
-  return Failure{ExitCode::file, "The document \"" + document.title() + "\" cannot be turned into a PDF.",
-                 "Save it as PDF in the program that made it, and print that file."};
-}
-
 std::optional<Failure> fill(Document const &document, FreshFile &file, std::string const &path,
                             OutputProgress const &progress) {
-  auto const cupsfilter = document.format() == "application/pdf" ? std::nullopt : program("cupsfilter");
-  auto failed = cupsfilter ? convert(*cupsfilter, document, file.fd(), path, progress)
-                           : copy(document, file.fd(), path, progress);
+  if (document.format() != "application/pdf") {
+    return Failure{ExitCode::file, "The document \"" + document.title() + "\" cannot be turned into a PDF.",
+                   "Save it as PDF in the program that made it, and print that file."};
+  }
+  auto failed = copy(document, file.fd(), path, progress);
   if (!failed && fsync(file.fd()) != 0) failed = file_failure(path, errno);
   return failed;
 }
@@ -152,10 +132,7 @@ std::optional<Failure> open_preview(Document const &document, OutputProgress con
     return Failure{ExitCode::file, "The preview cannot be opened: the program xdg-open is not installed.",
                    "Install the package xdg-utils, or choose \"Save as File\"."};
   }
-  bool const pdf = document.format() == "application/pdf" || program("cupsfilter");
-  std::string const extension = pdf ? ".pdf" : fs::path{document.path()}.extension().string();
-  FreshFile file{(fs::temp_directory_path() / ("faxprint-XXXXXX" + extension)).string(),
-                 static_cast<int>(extension.size())};
+  FreshFile file{(fs::temp_directory_path() / "faxprint-XXXXXX.pdf").string(), 4};
   if (file.fd() < 0) return file_failure(file.path(), errno);
   if (auto failed = fill(document, file, file.path(), progress)) return failed;
   int const nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);

@@ -13,9 +13,8 @@ namespace fax::host {
 // Bytes read so far and the document's size; false cancels. Called on the calling thread.
 using OutputProgress = std::function<bool(std::uint64_t done, std::uint64_t total)>;
 
-// Writes the document to path: as it is when it is a PDF, else turned into a PDF by the print service's own filters
-// (cupsfilter), and as it is where these are not installed. The file appears as a whole or not at all; an existing one
-// is replaced. Failure (ExitCode::file, or cancelled).
+// Writes the document, a PDF, to path. The file appears as a whole or not at all; an existing one
+// is replaced. Failure (ExitCode::file, also for a document that is no PDF; or cancelled).
 std::optional<Failure> write_output(Document const &document, std::string const &path,
                                     OutputProgress const &progress);
 

@@ -1,5 +1,6 @@
 #include "host/core/command_line.h"
 
+#include <algorithm>
 #include <charconv>
 #include <getopt.h>
 
@@ -12,13 +13,15 @@ namespace {
 
 constexpr int kMostCopies = 9999;
 
-enum Long : int { kList = 256, kExtension, kTiming, kUiMap, kOutput, kTo, kTheme, kVersion, kNoStatus };
+enum Long : int { kList = 256, kExtension, kTiming, kUiMap, kOutput, kTo, kTheme, kVersion, kNoStatus, kPages, kForget };
 
 constexpr option kLongOptions[] = {
     {"printer", required_argument, nullptr, 'd'},
     {"option", required_argument, nullptr, 'o'},
     {"copies", required_argument, nullptr, 'n'},
     {"title", required_argument, nullptr, 't'},
+    {"pages", required_argument, nullptr, kPages},
+    {"forget", no_argument, nullptr, kForget},
     {"help", no_argument, nullptr, 'h'},
     {"list", no_argument, nullptr, kList},
     {"extension", required_argument, nullptr, kExtension},
@@ -46,6 +49,7 @@ std::optional<Failure> add_option(std::string const &argument, std::vector<Setti
   if (equals == std::string::npos) return wrong("--option takes KEY=VALUE, not \"" + argument + "\".");
   Setting setting{argument.substr(0, equals), argument.substr(equals + 1)};
   if (setting.key == "copies") return wrong("The number of copies is given by --copies.");
+  if (setting.key == "page-ranges") return wrong("The pages are given by --pages.");
   if (setting.key == "job-name") return wrong("The title of the job is given by --title.");
   if (!is_safe_key(setting.key)) return wrong("\"" + setting.key + "\" is no key for --option.");
   options.push_back(std::move(setting));
@@ -74,13 +78,15 @@ std::optional<Failure> complete(CommandLine &line, std::optional<Destination> to
     return wrong("--output goes with --to file only.");
   line.destination = to.value_or(line.output ? Destination::file : Destination::printer);
   if (line.action != CommandLine::Action::print) {
-    if (!files.empty()) return wrong("--list takes no FILE, but \"" + files[0] + "\" was given.");
+    if (!files.empty())
+      return wrong(std::string(line.action == CommandLine::Action::list ? "--list" : "--forget") +
+                   " takes no FILE, but \"" + files[0] + "\" was given.");
     return std::nullopt;
   }
   if (files.empty()) return wrong("No FILE was given.");
-  if (files.size() > 1) return wrong("One FILE at a time: \"" + files[0] + "\" or \"" + files[1] + "\"?");
-  if (files[0].empty()) return wrong("The name of FILE is empty.");
-  line.file = files[0];
+  if (std::count(files.begin(), files.end(), "") > 0) return wrong("The name of FILE is empty.");
+  if (std::count(files.begin(), files.end(), "-") > 1) return wrong("Standard input (-) can be read once only.");
+  line.files = files;
   return std::nullopt;
 }
 
@@ -128,6 +134,12 @@ Result<CommandLine> parse_command_line(std::vector<std::string> const &arguments
       case kVersion:
         line.action = CommandLine::Action::version;
         return line;
+      case kPages:
+        line.pages = argument;
+        break;
+      case kForget:
+        line.action = CommandLine::Action::forget;
+        break;
       case kList:
         line.action = CommandLine::Action::list;
         break;
@@ -172,17 +184,20 @@ Result<CommandLine> parse_command_line(std::vector<std::string> const &arguments
 std::string version_text() { return "faxprint (DirectFax) " FAXPRINT_VERSION "\n"; }
 
 std::string help_text() {
-  return R"(Usage: faxprint [OPTION]... FILE
+  return R"(Usage: faxprint [OPTION]... FILE...
        faxprint --list
+       faxprint --forget
 
 Shows the print dialog for FILE, with the fax panel of the printer's driver, and
-submits it to CUPS as one job.
+submits it to CUPS as one job: several FILEs one behind the other, as one PDF.
+FILE is a PDF, PostScript, an image or a text; "-" is standard input.
 
-  -d, --printer NAME      print queue; without it the default queue
+  -d, --printer NAME      print queue; without it the one used last, or the default
       --list              list the print queues and end
   -o, --option KEY=VALUE  set a job option or a PPD option; may be repeated
   -n, --copies N          number of copies, 1 to 9999
   -t, --title TEXT        title of the job; without it the name of FILE
+      --pages RANGE       pages to send, such as 1-3,5 or 2-; counted over all FILEs
       --to DESTINATION    where the dialog starts: printer, file or preview
       --output FILE       file to write to; without --to it means --to file
       --extension BUNDLE  print dialog extension to load; without it the one that
@@ -193,6 +208,7 @@ submits it to CUPS as one job.
                           the desktop
       --timing            print to standard error how long each step took
       --ui-map FILE       write the positions of the dialog's controls to FILE
+      --forget            forget printer, options and window size of the last use
   -h, --help              print this text and end
       --version           print the version and end
 
@@ -200,6 +216,8 @@ Examples:
   faxprint report.pdf
   faxprint --printer fax --option QXFaxImageQuality=Fine report.pdf
   faxprint --to file --output copy.pdf report.pdf
+  faxprint --pages 2- letter.pdf map.png
+  man -t lp | faxprint -
 
 Exit codes:
   0  the job was submitted, whatever became of it there, or the text that was
@@ -212,6 +230,8 @@ Exit codes:
   6  the print dialog extension cannot be loaded
 
 The print service is found as by every CUPS program: CUPS_SERVER, client.conf.
+Printer, its options and the window's size are kept for the next time in
+~/.config/directfax/faxprint.json; recipients and passwords never are.
 )";
 }
 

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <vector>
 
 #include "host/core/utf8.h"
 
@@ -33,10 +34,26 @@ struct Document::State {
 
 namespace {
 
+constexpr std::size_t kPiece = 64 * 1024;
 constexpr std::size_t kLongestTitle = 255;  // bytes; the longest job name that IPP allows
 
 Failure cannot_open(std::string const &path, std::string const &why, std::string const &advice) {
   return {ExitCode::file, "The document \"" + path + "\" " + why + ".", advice};
+}
+
+Failure cannot_spool(std::string const &name) {
+  return cannot_open(name, std::string("cannot be kept in a temporary file: ") + std::strerror(errno),
+                     "Make room in the folder for temporary files.");
+}
+
+bool write_all(int descriptor, std::string_view rest) {
+  while (!rest.empty()) {
+    ssize_t const written = ::write(descriptor, rest.data(), rest.size());
+    if (written < 0 && errno == EINTR) continue;
+    if (written < 0) return false;
+    rest.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return true;
 }
 
 std::string format_of(std::string_view beginning) {
@@ -78,6 +95,39 @@ Result<Document> Document::open(std::string const &path) {
   return document;
 }
 
+Result<Document> Document::of_file(Descriptor file, std::string title) {
+  auto const state = std::make_shared<State>();
+  state->descriptor = file.release();
+  state->title = title;
+  struct stat about {};
+  if (fstat(state->descriptor, &about) != 0)
+    return cannot_open(title, std::string("cannot be examined: ") + std::strerror(errno), "");
+  state->size = static_cast<std::uint64_t>(about.st_size);
+  Document document(state);
+  std::array<char, 1024> beginning;
+  auto const got = document.read(0, beginning);
+  if (!got) return got.failure();
+  state->format = format_of({beginning.data(), got.value()});
+  return document;
+}
+
+Result<Document> Document::of_stream(int descriptor, std::string const &name, std::string title) {
+  Descriptor file = unnamed_file();
+  if (!file) return cannot_spool(name);
+  std::vector<char> buffer(kPiece);
+  std::uint64_t size = 0;
+  for (;;) {
+    ssize_t const got = ::read(descriptor, buffer.data(), buffer.size());
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0) return cannot_open(name, std::string("cannot be read: ") + std::strerror(errno), "");
+    if (got == 0) break;
+    if (!write_all(file.get(), {buffer.data(), static_cast<std::size_t>(got)})) return cannot_spool(name);
+    size += static_cast<std::uint64_t>(got);
+  }
+  if (size == 0) return cannot_open(name, "is empty", "Look whether the program before the pipe failed.");
+  return of_file(std::move(file), std::move(title));
+}
+
 Document Document::of_bytes(std::string bytes, std::string title) {
   auto const state = std::make_shared<State>();
   state->bytes = std::move(bytes);
@@ -115,6 +165,13 @@ bool Document::is_unchanged() const {
   struct stat about {};
   return fstat(state_->descriptor, &about) == 0 && static_cast<std::uint64_t>(about.st_size) == size() &&
          about.st_mtim.tv_sec == then->tv_sec && about.st_mtim.tv_nsec == then->tv_nsec;
+}
+
+Result<Descriptor> Document::share() const {
+  if (state_->descriptor >= 0) return Descriptor(fcntl(state_->descriptor, F_DUPFD_CLOEXEC, 0));
+  Descriptor file = unnamed_file();
+  if (!file || !write_all(file.get(), state_->bytes)) return cannot_spool(title());
+  return file;
 }
 
 std::string display_title(std::string const &path) {

@@ -58,6 +58,12 @@ Failure no_answer(std::string const &queue) {
           "See its error log, or try again."};
 }
 
+// Not cupsGetPPD3: for a local service it takes /etc/cups/ppd/NAME.ppd of the machine, also where the connection leads
+// to a service that keeps its files elsewhere.
+http_status_t fetch(http_t *connection, std::string const &queue, int descriptor) {
+  return cupsGetFd(connection, ("/printers/" + queue + ".ppd").c_str(), descriptor);
+}
+
 // True when the print service knows a queue of that name; nullopt when it did not say.
 std::optional<bool> queue_exists(http_t *connection, std::string const &queue) {
   std::array<char, HTTP_MAX_URI> uri;
@@ -81,14 +87,19 @@ Result<std::unique_ptr<PpdFile>> PpdFile::of_queue(Server const &server, std::st
   return of_queue(connection.value().get(), queue);
 }
 
-// Not cupsGetPPD3: for a local service it takes /etc/cups/ppd/NAME.ppd of the machine, also where the connection leads
-// to a service that keeps its files elsewhere.
+bool PpdFile::copy_of_queue(Server const &server, std::string const &queue, int descriptor) {
+  auto connection = connect(server);
+  if (!connection) return false;
+  Deadline const deadline(connection.value().get(), server.timeout_seconds);
+  return fetch(connection.value().get(), queue, descriptor) == HTTP_STATUS_OK;
+}
+
 Result<std::unique_ptr<PpdFile>> PpdFile::of_queue(http_t *connection, std::string const &queue) {
   std::unique_ptr<std::FILE, CloseFile> const file(std::tmpfile());
   if (!file)
     return Failure{ExitCode::queue, std::string("No temporary file can be made: ") + std::strerror(errno) + ".",
                    "Make room in the folder for temporary files."};
-  http_status_t const status = cupsGetFd(connection, ("/printers/" + queue + ".ppd").c_str(), fileno(file.get()));
+  http_status_t const status = fetch(connection, queue, fileno(file.get()));
   if (status == HTTP_STATUS_NOT_FOUND) {
     auto const exists = queue_exists(connection, queue);
     if (!exists) return no_answer(queue);

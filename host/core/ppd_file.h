@@ -57,6 +57,9 @@ public:
   // The same over an open connection, borrowed for the call.
   static Result<std::unique_ptr<PpdFile>> of_queue(http_t *connection, std::string const &queue);
 
+  // Writes the PPD of a queue, as the print service has it, to an open file. False when there is none, or no answer.
+  static bool copy_of_queue(Server const &server, std::string const &queue, int descriptor);
+
   // Never null. Failure (ExitCode::queue): cannot be read, or broken; the sentence holds the line number and CUPS's
   // reason. name stands for the file in the sentence.
   static Result<std::unique_ptr<PpdFile>> open(std::string const &path, std::string const &name);

@@ -16,7 +16,7 @@ CommandLine parsed(std::vector<std::string> const &arguments) {
 TEST(CommandLine, EveryOptionReachesItsField) {
   CommandLine const line = parsed({"--printer", "fax", "-o", "A=1", "report.pdf", "--option=B=x=y z", "--copies", "3",
                                    "--title", "", "--extension", "/x.bundle", "--timing", "--no-status", "--ui-map", "map",
-                                   "--output", "out.pdf", "--theme", "dark"});
+                                   "--output", "out.pdf", "--theme", "dark", "--pages", "1-3", "-"});
   EXPECT_EQ(line.action, CommandLine::Action::print);
   EXPECT_EQ(line.printer, "fax");
   EXPECT_EQ(line.options, (std::vector<Setting>{{"A", "1"}, {"B", "x=y z"}}));
@@ -29,12 +29,13 @@ TEST(CommandLine, EveryOptionReachesItsField) {
   EXPECT_EQ(line.output, "out.pdf");
   EXPECT_EQ(line.theme, "dark");
   EXPECT_EQ(line.destination, Destination::file);
-  EXPECT_EQ(line.file, "report.pdf");
+  EXPECT_EQ(line.pages, "1-3");
+  EXPECT_EQ(line.files, (std::vector<std::string>{"report.pdf", "-"}));
 }
 
 TEST(CommandLine, DefaultsAndTexts) {
   CommandLine const line = parsed({"--", "--odd-name"});
-  EXPECT_EQ(line.file, "--odd-name");
+  EXPECT_EQ(line.files, (std::vector<std::string>{"--odd-name"}));
   EXPECT_EQ(line.copies, 1);
   EXPECT_EQ(line.theme, "auto");
   EXPECT_EQ(line.destination, Destination::printer);
@@ -63,8 +64,9 @@ TEST_P(WrongLines, AreRefusedByName) {
 INSTANTIATE_TEST_SUITE_P(Table, WrongLines,
                          testing::Values(WrongLine{{}, "No FILE"},                                          //
                                          WrongLine{{""}, "empty"},                                          //
-                                         WrongLine{{"a", "b"}, "\"b\""},                                    //
+                                         WrongLine{{"a", "-", "-"}, "(-)"}, WrongLine{{"a", ""}, "empty"},   //
                                          WrongLine{{"--list", "a"}, "--list"},                              //
+                                         WrongLine{{"--forget", "a"}, "--forget"},                          //
                                          WrongLine{{"--timing", "--colour", "a"}, "\"--colour\""},          //
                                          WrongLine{{"--timing", "-x", "a"}, "\"-x\""},                      //
                                          WrongLine{{"--t", "x"}, "\"--t\""},                                //
@@ -81,6 +83,7 @@ INSTANTIATE_TEST_SUITE_P(Table, WrongLines,
                                          WrongLine{{"-o", "a b=1", "f"}, "\"a b\""},                        //
                                          WrongLine{{"-o", "copies=2", "f"}, "--copies"},                    //
                                          WrongLine{{"-o", "job-name=x", "f"}, "--title"},                   //
+                                         WrongLine{{"-o", "page-ranges=1", "f"}, "--pages"},                //
                                          WrongLine{{"-o", "printer-uri=x", "f"}, "printer-uri"},            //
                                          WrongLine{{"-t", "\xff", "f"}, "UTF-8"},                           //
                                          WrongLine{{"--to", "screen", "f"}, "\"screen\""},                  //

@@ -87,7 +87,7 @@ TEST_F(Dialog, PrintHandsOneJobOverWithEverything) {
   line.options = {{"x-extra", "1"}};
   open("Recording", "fax", line);
   choose(@"Image Quality", @"Fine");
-  NSTextField *sender = [HostEditableFields([[dialog_ window] contentView]) lastObject];
+  NSTextField *sender = [HostEditableFields([control(@"Image Quality") superview]) lastObject];
   [sender setStringValue:@"Anna Berg"];
   auto const asked = calls_of([&] { [dialog_ print:nil]; });
   EXPECT_THAT(asked, ElementsAre("save", "shouldPrint 1"));
@@ -136,7 +136,7 @@ TEST_F(Dialog, ARefusalKeepsTheDialogAndSubmitsNothing) {
 
 TEST_F(Dialog, ASavedFieldThatWasSetBackIsNamed) {
   open();
-  NSTextField *sender = [HostEditableFields([[dialog_ window] contentView]) lastObject];
+  NSTextField *sender = [HostEditableFields([control(@"Image Quality") superview]) lastObject];
   [sender setStringValue:@"\u00fc"];
   [answers_ setObject:@"0" forKey:@"save"];
   [dialog_ print:nil];

@@ -1,0 +1,178 @@
+#import "host/HostPageView.h"
+
+#include <algorithm>
+#include <climits>
+#include <cmath>
+#include <cstring>
+
+#import "host/controls.h"
+#import "host/text.h"
+
+using namespace fax::host;
+
+static CGFloat const kBorder = 4;     // between the view's edge and the page
+static CGFloat const kTextRow = 18;
+
+@implementation HostPageView
+
+- (id)initWithOwner:(id<HostPageViewOwner>)owner {
+  if (!(self = [super initWithFrame:NSMakeRect(0, 0, 100, 100)])) return nil;
+  _owner = owner;
+  _text = @"";
+  [self registerForDraggedTypes:[NSArray arrayWithObject:NSFilenamesPboardType]];
+  return self;
+}
+
+- (void)dealloc {
+  [_picture release];
+  [_text release];
+  [super dealloc];
+}
+
+- (void)forgetOwner {
+  _owner = nil;
+}
+
+- (void)showPicture:(PagePicture const &)picture left:(BOOL)left {
+  [_picture release];
+  _picture = [[NSBitmapImageRep alloc] initWithBitmapDataPlanes:NULL
+                                                     pixelsWide:picture.width
+                                                     pixelsHigh:picture.height
+                                                  bitsPerSample:8
+                                                samplesPerPixel:3
+                                                       hasAlpha:NO
+                                                       isPlanar:NO
+                                                 colorSpaceName:NSDeviceRGBColorSpace
+                                                    bytesPerRow:picture.width * 3
+                                                   bitsPerPixel:24];
+  std::memcpy([_picture bitmapData], picture.pixels.data(), picture.pixels.size());
+  _left = left;
+  [self setNeedsDisplay:YES];
+}
+
+- (void)showText:(NSString *)text {
+  [_picture release];
+  _picture = nil;
+  [_text autorelease];
+  _text = [text copy];
+  [self setNeedsDisplay:YES];
+}
+
+- (BOOL)showsPicture {
+  return _picture != nil;
+}
+
+- (NSSize)room {
+  NSSize const size = [self bounds].size;
+  return NSMakeSize(std::max<CGFloat>(1, size.width - 2 * kBorder), std::max<CGFloat>(1, size.height - 2 * kBorder));
+}
+
+// Drawing.
+
+- (NSRect)page {
+  NSSize const room = [self room];
+  CGFloat const wide = _picture ? [_picture pixelsWide] : room.width;
+  CGFloat const high = _picture ? [_picture pixelsHigh] : room.height;
+  CGFloat const scale = std::min<CGFloat>(1, std::min(room.width / wide, room.height / high));
+  NSSize const size = NSMakeSize(std::floor(wide * scale), std::floor(high * scale));
+  return NSMakeRect(kBorder + std::floor((room.width - size.width) / 2),
+                    kBorder + std::floor((room.height - size.height) / 2), size.width, size.height);
+}
+
+- (void)drawText:(NSString *)text {
+  NSMutableParagraphStyle *style = [[NSMutableParagraphStyle new] autorelease];
+  [style setAlignment:NSCenterTextAlignment];
+  NSDictionary *const look = [NSDictionary
+      dictionaryWithObjectsAndKeys:[NSFont systemFontOfSize:0], NSFontAttributeName, [NSColor controlTextColor],
+                                   NSForegroundColorAttributeName, style, NSParagraphStyleAttributeName, nil];
+  NSRect const room = NSInsetRect([self bounds], kGap, kGap);
+  NSSize const needed = [text boundingRectWithSize:room.size options:NSStringDrawingUsesLineFragmentOrigin
+                                          attributes:look].size;
+  CGFloat const height = std::min(room.size.height, std::max(needed.height, kTextRow));
+  [text drawInRect:NSMakeRect(room.origin.x, std::floor(NSMidY(room) - height / 2), room.size.width, height)
+      withAttributes:look];
+}
+
+- (void)drawRect:(NSRect)dirty {
+  [[NSColor controlShadowColor] set];
+  NSFrameRect([self bounds]);
+  if (_picture) {
+    NSRect const page = [self page];
+    [_picture drawInRect:page];
+    if (_left) {
+      [[[NSColor controlBackgroundColor] colorWithAlphaComponent:0.7] set];
+      NSRectFillUsingOperation(page, NSCompositeSourceOver);
+      [self drawText:HostText(@"Not sent")];
+    }
+    [[NSColor controlShadowColor] set];
+    NSFrameRect(NSInsetRect(page, -1, -1));
+  } else {
+    [self drawText:_text];
+  }
+  if ([[self window] firstResponder] == self && [[self window] isKeyWindow]) {
+    [[NSColor keyboardFocusIndicatorColor] set];
+    NSFrameRectWithWidth([self bounds], 2);
+  }
+}
+
+// Keys and the mouse.
+
+- (BOOL)acceptsFirstResponder {
+  return YES;
+}
+
+- (BOOL)becomeFirstResponder {
+  [self setNeedsDisplay:YES];
+  return YES;
+}
+
+- (BOOL)resignFirstResponder {
+  [self setNeedsDisplay:YES];
+  return YES;
+}
+
+- (void)mouseDown:(NSEvent *)event {
+  [[self window] makeFirstResponder:self];
+}
+
+- (void)scrollWheel:(NSEvent *)event {
+  if ([event deltaY] != 0) [_owner turnBy:[event deltaY] > 0 ? -1 : 1];
+}
+
+- (void)keyDown:(NSEvent *)event {
+  NSString *const keys = [event charactersIgnoringModifiers];
+  switch ([keys length] ? [keys characterAtIndex:0] : 0) {
+    case NSPageDownFunctionKey:
+    case NSDownArrowFunctionKey:
+    case NSRightArrowFunctionKey: return [_owner turnBy:1];
+    case NSPageUpFunctionKey:
+    case NSUpArrowFunctionKey:
+    case NSLeftArrowFunctionKey: return [_owner turnBy:-1];
+    case NSHomeFunctionKey: return [_owner turnBy:-INT_MAX / 2];
+    case NSEndFunctionKey: return [_owner turnBy:INT_MAX / 2];
+    default: [super keyDown:event];
+  }
+}
+
+// Files dropped on it.
+
+- (NSDragOperation)draggingEntered:(id<NSDraggingInfo>)drag {
+  return NSDragOperationCopy;
+}
+
+- (NSDragOperation)draggingUpdated:(id<NSDraggingInfo>)drag {
+  return NSDragOperationCopy;
+}
+
+- (BOOL)prepareForDragOperation:(id<NSDraggingInfo>)drag {
+  return YES;
+}
+
+- (BOOL)performDragOperation:(id<NSDraggingInfo>)drag {
+  NSArray *const paths = [[drag draggingPasteboard] propertyListForType:NSFilenamesPboardType];
+  if (![paths isKindOfClass:[NSArray class]] || ![paths count]) return NO;
+  [_owner addPaths:paths];
+  return YES;
+}
+
+@end
