@@ -157,11 +157,12 @@ std::string first_title(DialogRequest const &request) {
   [[_window window] makeKeyAndOrderFront:nil];
   [_panels showChosen];
   draw_now([_window window]);
+  if (_state->request.command_line.timing) {
+    std::printf("panel view: %.1f ms\n", std::chrono::duration<double, std::milli>(Clock::now() - start).count());
+    std::fflush(stdout);
+  }
   [self layOutPages];
   [_preview start];
-  if (!_state->request.command_line.timing) return;
-  std::printf("panel view: %.1f ms\n", std::chrono::duration<double, std::milli>(Clock::now() - start).count());
-  std::fflush(stdout);
 }
 
 // Printer, PPD, extension.

@@ -7,8 +7,6 @@
 @protocol HostPageViewOwner
 // By so many pages, forward or back.
 - (void)turnBy:(int)pages;
-// Files were dropped: an array of paths.
-- (void)addPaths:(NSArray *)paths;
 @end
 
 @interface HostPageView : NSView {
@@ -20,8 +18,9 @@
 // owner is not retained.
 - (id)initWithOwner:(id<HostPageViewOwner>)owner;
 - (void)forgetOwner;
+- (void)showPicture:(fax::host::PagePicture const &)picture;
 // left: the page is not among those that are sent.
-- (void)showPicture:(fax::host::PagePicture const &)picture left:(BOOL)left;
+- (void)setLeft:(BOOL)left;
 // A sentence in the place of a page.
 - (void)showText:(NSString *)text;
 - (BOOL)showsPicture;

@@ -10,7 +10,7 @@
 
 using namespace fax::host;
 
-static CGFloat const kBorder = 4;     // between the view's edge and the page
+static CGFloat const kBorder = 4;  // between the view's edge and the page
 static CGFloat const kTextRow = 18;
 
 @implementation HostPageView
@@ -19,7 +19,6 @@ static CGFloat const kTextRow = 18;
   if (!(self = [super initWithFrame:NSMakeRect(0, 0, 100, 100)])) return nil;
   _owner = owner;
   _text = @"";
-  [self registerForDraggedTypes:[NSArray arrayWithObject:NSFilenamesPboardType]];
   return self;
 }
 
@@ -33,7 +32,7 @@ static CGFloat const kTextRow = 18;
   _owner = nil;
 }
 
-- (void)showPicture:(PagePicture const &)picture left:(BOOL)left {
+- (void)showPicture:(PagePicture const &)picture {
   [_picture release];
   _picture = [[NSBitmapImageRep alloc] initWithBitmapDataPlanes:NULL
                                                      pixelsWide:picture.width
@@ -46,6 +45,11 @@ static CGFloat const kTextRow = 18;
                                                     bytesPerRow:picture.width * 3
                                                    bitsPerPixel:24];
   std::memcpy([_picture bitmapData], picture.pixels.data(), picture.pixels.size());
+  [self setNeedsDisplay:YES];
+}
+
+- (void)setLeft:(BOOL)left {
+  if (left == _left) return;
   _left = left;
   [self setNeedsDisplay:YES];
 }
@@ -79,11 +83,11 @@ static CGFloat const kTextRow = 18;
                     kBorder + std::floor((room.height - size.height) / 2), size.width, size.height);
 }
 
-- (void)drawText:(NSString *)text {
+- (void)drawText:(NSString *)text color:(NSColor *)color {
   NSMutableParagraphStyle *style = [[NSMutableParagraphStyle new] autorelease];
   [style setAlignment:NSCenterTextAlignment];
   NSDictionary *const look = [NSDictionary
-      dictionaryWithObjectsAndKeys:[NSFont systemFontOfSize:0], NSFontAttributeName, [NSColor controlTextColor],
+      dictionaryWithObjectsAndKeys:[NSFont systemFontOfSize:0], NSFontAttributeName, color,
                                    NSForegroundColorAttributeName, style, NSParagraphStyleAttributeName, nil];
   NSRect const room = NSInsetRect([self bounds], kGap, kGap);
   NSSize const needed = [text boundingRectWithSize:room.size options:NSStringDrawingUsesLineFragmentOrigin
@@ -100,14 +104,14 @@ static CGFloat const kTextRow = 18;
     NSRect const page = [self page];
     [_picture drawInRect:page];
     if (_left) {
-      [[[NSColor controlBackgroundColor] colorWithAlphaComponent:0.7] set];
+      [[NSColor colorWithCalibratedWhite:1 alpha:0.75] set];
       NSRectFillUsingOperation(page, NSCompositeSourceOver);
-      [self drawText:HostText(@"Not sent")];
+      [self drawText:HostText(@"Not sent") color:[NSColor blackColor]];
     }
     [[NSColor controlShadowColor] set];
     NSFrameRect(NSInsetRect(page, -1, -1));
   } else {
-    [self drawText:_text];
+    [self drawText:_text color:[NSColor controlTextColor]];
   }
   if ([[self window] firstResponder] == self && [[self window] isKeyWindow]) {
     [[NSColor keyboardFocusIndicatorColor] set];
@@ -152,27 +156,6 @@ static CGFloat const kTextRow = 18;
     case NSEndFunctionKey: return [_owner turnBy:INT_MAX / 2];
     default: [super keyDown:event];
   }
-}
-
-// Files dropped on it.
-
-- (NSDragOperation)draggingEntered:(id<NSDraggingInfo>)drag {
-  return NSDragOperationCopy;
-}
-
-- (NSDragOperation)draggingUpdated:(id<NSDraggingInfo>)drag {
-  return NSDragOperationCopy;
-}
-
-- (BOOL)prepareForDragOperation:(id<NSDraggingInfo>)drag {
-  return YES;
-}
-
-- (BOOL)performDragOperation:(id<NSDraggingInfo>)drag {
-  NSArray *const paths = [[drag draggingPasteboard] propertyListForType:NSFilenamesPboardType];
-  if (![paths isKindOfClass:[NSArray class]] || ![paths count]) return NO;
-  [_owner addPaths:paths];
-  return YES;
 }
 
 @end

@@ -58,6 +58,7 @@ Result<Document> prepared(PrintPlan &plan, HostPreviewState const &state) {
 - (void)take:(fax::host::PreviewAnswer const &)answer;
 - (void)goOn;
 - (void)drop;
+- (void)turnToChosenPage;
 @end
 
 // Lays its owner's controls out anew when it becomes larger or smaller.
@@ -194,6 +195,7 @@ Result<Document> prepared(PrintPlan &plan, HostPreviewState const &state) {
   auto const &plan = _state->plan;
   int const known = plan.pages().value_or(0);
   [pageLabel setStringValue:[self pageText]];
+  [pageView setLeft:[self pageIsLeft]];
   [previousPageButton setEnabled:_state->page > 1];
   [nextPageButton setEnabled:_state->page < known];
   if (auto const spot = plan.spot(_state->page))
@@ -265,12 +267,13 @@ Result<Document> prepared(PrintPlan &plan, HostPreviewState const &state) {
 - (void)take:(PreviewAnswer const &)answer {
   if (answer.read) {
     _state->plan.take(answer.document, *answer.read);
+    [self turnToChosenPage];
     [self changed];
   }
   if (!answer.picture) return;
   _state->drawn = true;
   if (*answer.picture) {
-    [pageView showPicture:answer.picture->value() left:[self pageIsLeft]];
+    [pageView showPicture:answer.picture->value()];
   } else {
     [pageView showText:HostFormat(@"Page %d cannot be shown. %@", _state->page, ns(answer.picture->failure().what))];
   }
@@ -320,6 +323,14 @@ Result<Document> prepared(PrintPlan &plan, HostPreviewState const &state) {
   [self goToPage:_state->page + pages];
 }
 
+// Whoever chooses pages sees the first one that goes out.
+- (void)turnToChosenPage {
+  auto const chosen = _state->plan.chosen();
+  if (!chosen || holds_page(chosen.value(), _state->page)) return;
+  _state->page = chosen.value().front().first;
+  _state->drawn = false;
+}
+
 - (void)previousPage:(id)sender {
   [self turnBy:-1];
 }
@@ -339,6 +350,7 @@ Result<Document> prepared(PrintPlan &plan, HostPreviewState const &state) {
 - (void)takeRange {
   bool const all = [rangePopUp indexOfSelectedItem] <= 0;
   _state->plan.use_range(all ? "" : utf8([rangeField stringValue]));
+  [self turnToChosenPage];
   [self showAnew];
 }
 

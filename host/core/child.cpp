@@ -89,20 +89,23 @@ public:
   }
 
   ChildEnd end() {
+    while (may_go_on() && !has_ended()) std::this_thread::sleep_for(kTick / 4);
+    kill(-pid_, SIGKILL);  // and whoever it left behind; until it is waited for, nobody else gets its number
     int status = 0;
-    while (may_go_on() && waitpid(pid_, &status, WNOHANG) == 0) std::this_thread::sleep_for(kTick / 4);
-    if (given_up_) {
-      kill(-pid_, SIGKILL);
-      waitpid(pid_, &status, 0);
-    } else {
+    waitpid(pid_, &status, 0);
+    if (!given_up_) {
       result_.how = WIFEXITED(status) ? ChildEnd::How::exited : ChildEnd::How::crashed;
       result_.code = WIFEXITED(status) ? WEXITSTATUS(status) : 0;
-      kill(-pid_, SIGKILL);  // whoever it left behind
     }
     return std::move(result_);
   }
 
 private:
+  bool has_ended() const {
+    siginfo_t about{};
+    return waitid(P_PID, static_cast<id_t>(pid_), &about, WEXITED | WNOHANG | WNOWAIT) != 0 || about.si_pid != 0;
+  }
+
   void give_up(ChildEnd::How how) {
     given_up_ = true;
     result_.how = how;

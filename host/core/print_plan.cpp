@@ -6,6 +6,8 @@ namespace fax::host {
 
 namespace {
 
+constexpr std::size_t kLongestTitle = 255;  // bytes; the longest job name that IPP allows
+
 bool is_blank(std::string const &text) { return text.find_first_not_of(" \t") == std::string::npos; }
 
 bool is_pdf(PlannedDocument const &planned) { return planned.source.format() == "application/pdf"; }
@@ -96,11 +98,11 @@ int PrintPlan::first_page_of(std::size_t document) const {
 
 std::string PrintPlan::title() const {
   std::string const &first = documents_.front().source.title();
-  switch (documents_.size()) {
-    case 1: return first;
-    case 2: return first + ", " + documents_[1].source.title();
-    default: return first + " and " + std::to_string(documents_.size() - 1) + " more";
-  }
+  if (documents_.size() == 1) return first;
+  std::string const all = documents_.size() == 2
+                              ? first + ", " + documents_[1].source.title()
+                              : first + " and " + std::to_string(documents_.size() - 1) + " more";
+  return all.size() <= kLongestTitle ? all : first;
 }
 
 Result<std::vector<PageSpan>> PrintPlan::chosen() const {

@@ -63,7 +63,7 @@ public:
   std::optional<PageSpot> spot(int page) const;
   int first_page_of(std::size_t document) const;
 
-  // "Report", "Report, Letter", "Report and 2 more".
+  // "Report", "Report, Letter", "Report and 2 more"; the first title alone where that would be too long for a job.
   std::string title() const;
 
   // The range as typed, "" for all pages. Checked by chosen() only.

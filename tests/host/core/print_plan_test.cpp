@@ -110,6 +110,8 @@ TEST(PlanPages, AreFoundOverAllDocuments) {
   plan.remove(0);
   plan.remove(0);
   plan.remove(0);
+  std::string const long_title(200, 'x');
+  EXPECT_EQ(PrintPlan({pdf({"A"}, long_title), pdf({"B"}, long_title)}).title(), long_title);
   EXPECT_EQ(plan.title(), "Three");
 }
 
