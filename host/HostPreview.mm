@@ -101,6 +101,7 @@ Result<Document> prepared(PrintPlan &plan, HostPreviewState const &state) {
 - (void)dealloc {
   [self stop];
   [pageView forgetOwner];
+  [rangeField setDelegate:nil];
   static_cast<HostPreviewPane *>([pageView superview])->owner = nil;
   [_window release];
   [(id)_alerts release];
