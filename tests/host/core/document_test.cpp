@@ -6,6 +6,7 @@
 #include <fstream>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 #include "host/core/utf8.h"
@@ -117,6 +118,28 @@ TEST(DisplayTitle, Table) {
               return long_name;
             }()).size(),
             254u);
+}
+
+TEST(Document, OfAStreamIsKeptWholeAndAnEmptyOneRefused) {
+  std::string const text = std::string(200'000, 'x') + "end";
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  std::thread writer([&] {
+    EXPECT_EQ(write(ends[1], text.data(), text.size()), static_cast<ssize_t>(text.size()));
+    close(ends[1]);
+  });
+  auto const document = Document::of_stream(ends[0], "-", "Standard Input");
+  writer.join();
+  ASSERT_TRUE(document);
+  std::string kept(document.value().size(), '\0');
+  EXPECT_EQ(document.value().read(0, kept).value(), text.size());
+  EXPECT_EQ(kept, text);
+  EXPECT_EQ(document.value().title(), "Standard Input");
+  auto const nothing = Document::of_stream(ends[0], "-", "");
+  ASSERT_FALSE(nothing);
+  EXPECT_EQ(nothing.failure().code, ExitCode::file);
+  EXPECT_NE(nothing.failure().what.find("\"-\" is empty"), std::string::npos);
+  close(ends[0]);
 }
 
 }  // namespace
