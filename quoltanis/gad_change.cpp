@@ -28,7 +28,7 @@ public:
   }
 
   void taken(std::int64_t id) {
-    if (id > last_) last_ = id;
+    if (last_ >= 0 && id > last_) last_ = id;  // before that nothing is known yet
     if (!used_.empty() && id <= greatest_member_id) used_[static_cast<std::size_t>(id)] = true;
   }
 
@@ -102,7 +102,7 @@ struct Change::State {
 
   // Of a statement that ran to its end: what a rule of the tables refused undid itself, anything else ends the change.
   Status outcome(int code) {
-    if (code == SQLITE_CONSTRAINT_UNIQUE) return Status::present;
+    if (code == SQLITE_CONSTRAINT_UNIQUE || code == SQLITE_CONSTRAINT_PRIMARYKEY) return Status::present;
     if (code == SQLITE_CONSTRAINT_CHECK) return Status::text_unfit;
     if (code == SQLITE_CONSTRAINT_FOREIGNKEY) return Status::no_entry;
     return keep(status_of(database, code));
@@ -152,28 +152,44 @@ Status affect(State &state, char const *sql, Arguments... arguments) {
 
 }  // namespace
 
+namespace {
+
+template <typename State>
+Status insert(State &state, Individual const &individual, std::int64_t id) {
+  if (!state.insert)
+    state.insert.emplace(state.database,
+                         "INSERT INTO individuals"
+                         " (id, name, number, company, note, registered, index_key, folded)"
+                         " VALUES (?, ?, ?, ?, ?, ?, ?, ?)");
+  std::string const key = key_of(individual), folded = fold(individual.name);
+  int const code = state.insert
+                       ->bind(id, std::string_view(individual.name), std::string_view(individual.number),
+                              std::string_view(individual.company), std::string_view(individual.note),
+                              individual.registered, std::string_view(key), std::string_view(folded))
+                       .step();
+  state.insert->reset();
+  Status const status = state.outcome(code);
+  if (status == Status::success) state.ids.taken(id);
+  return status;
+}
+
+}  // namespace
+
 Status Change::add(Individual const &individual, std::uint32_t *id) {
   return attempt(state_, [&](State &state) {
     if (Status const status = check(individual); status != Status::success) return status;
     std::int64_t next = 0;
     if (Status const status = state.ids.next(next); status != Status::success) return state.keep(status);
-    if (!state.insert)
-      state.insert.emplace(state.database,
-                           "INSERT INTO individuals"
-                           " (id, name, number, company, note, registered, index_key, folded)"
-                           " VALUES (?, ?, ?, ?, ?, ?, ?, ?)");
-    std::string const key = key_of(individual), folded = fold(individual.name);
-    int const code = state.insert
-                         ->bind(next, std::string_view(individual.name), std::string_view(individual.number),
-                                std::string_view(individual.company), std::string_view(individual.note),
-                                individual.registered, std::string_view(key), std::string_view(folded))
-                         .step();
-    state.insert->reset();
-    Status const status = state.outcome(code);
-    if (status != Status::success) return status;
-    state.ids.taken(next);
-    if (id != nullptr) *id = static_cast<std::uint32_t>(next);
+    Status const status = insert(state, individual, next);
+    if (status == Status::success && id != nullptr) *id = static_cast<std::uint32_t>(next);
     return status;
+  });
+}
+
+Status Change::restore(Individual const &individual) {
+  return attempt(state_, [&](State &state) {
+    if (Status const status = check(individual); status != Status::success) return status;
+    return insert(state, individual, std::int64_t{individual.id});
   });
 }
 
@@ -205,6 +221,13 @@ Status Change::add_group(std::string_view name, std::uint32_t *id) {
     if (status == Status::success && id != nullptr)
       *id = static_cast<std::uint32_t>(sqlite3_last_insert_rowid(state.database));
     return status;
+  });
+}
+
+Status Change::restore_group(std::uint32_t group, std::string_view name) {
+  return attempt(state_, [&](State &state) {
+    if (Status const status = check_group_name(name); status != Status::success) return status;
+    return affect(state, "INSERT INTO groups (id, name) VALUES (?, ?)", std::int64_t{group}, name);
   });
 }
 

@@ -391,6 +391,15 @@ Status File::count(std::size_t &individuals, std::size_t &groups) const {
   return Status::success;
 }
 
+Status File::version(std::int64_t &version) const {
+  if (database_ == nullptr) return Status::argument;
+  Statement row(database_.get(), "PRAGMA data_version");
+  int const code = row.step();
+  if (code != SQLITE_ROW) return status_of(database_.get(), code);
+  version = row.integer(0);
+  return Status::success;
+}
+
 Status add(std::string const &path, std::span<Individual const> individuals) {
   File file;
   Change change;

@@ -91,6 +91,10 @@ public:
   Status find_group(std::string_view name, std::uint32_t &id) const;
   Status count(std::size_t &individuals, std::size_t &groups) const;
 
+  // A number that is another one after somebody else (any other connection) has changed the file, and the same after
+  // changes of this one. Says nothing across two openings.
+  Status version(std::int64_t &version) const;
+
   // Waits for other programs no longer than five seconds, then busy. One Change at a time; the File outlives it.
   Status begin(Change &change);
 
@@ -116,12 +120,16 @@ public:
 
   // present when an individual of the same name and number is there; id may be null.
   Status add(Individual const &individual, std::uint32_t *id = nullptr);
+  // Puts an individual that was removed back under its own id; present when that id is taken too.
+  Status restore(Individual const &individual);
   // Replaces all of the individual with individual.id but the id.
   Status replace(Individual const &individual);
   // Takes it out of its groups too.
   Status remove(std::uint32_t individual);
 
   Status add_group(std::string_view name, std::uint32_t *id = nullptr);
+  // As restore for individuals; its members are not there again.
+  Status restore_group(std::uint32_t group, std::string_view name);
   Status rename_group(std::uint32_t group, std::string_view name);
   Status remove_group(std::uint32_t group);
   // A member that is there already is success.

@@ -205,6 +205,53 @@ TEST_F(BookTest, IdsStayAndAreGivenAgainOnlyWhenTheyRunOut) {
   EXPECT_EQ(read_book(path).groups.back().members.size(), 65535u);
 }
 
+TEST_F(BookTest, WhatWasRemovedComesBackUnderItsId) {
+  make(5);
+  File file;
+  Change change;
+  ASSERT_EQ(File::open(path, Access::change, file), Status::success);
+  Individual const third{.id = 3, .name = "Person 3", .number = "+46 3"};
+  Individual const same_text{.id = 9, .name = "Person 4", .number = "+46 4"};
+  ASSERT_EQ(file.begin(change), Status::success);
+  ASSERT_EQ(change.remove(3), Status::success);
+  ASSERT_EQ(change.remove_group(1), Status::success);
+  ASSERT_EQ(change.commit(), Status::success);
+  ASSERT_EQ(file.begin(change), Status::success);
+  EXPECT_EQ(change.restore(third), Status::success);
+  EXPECT_EQ(change.restore(third), Status::present);
+  EXPECT_EQ(change.restore(same_text), Status::present);
+  EXPECT_EQ(change.restore_group(1, "First"), Status::success);
+  EXPECT_EQ(change.restore_group(1, "Other"), Status::present);
+  std::uint32_t id = 0;
+  EXPECT_EQ(change.add({.name = "New", .number = "1"}, &id), Status::success);
+  EXPECT_EQ(id, 6u) << "an id that came back does not make the next one";
+  ASSERT_EQ(change.commit(), Status::success);
+  Book const book = read_book(path);
+  ASSERT_EQ(book.people.size(), 6u);
+  EXPECT_EQ(book.people[2].name, "Person 3");
+  EXPECT_THAT(book.groups, ElementsAre(Group{"First", {}}));
+}
+
+TEST_F(BookTest, TheVersionTellsOfOthersChangesOnly) {
+  make(1);
+  File own;
+  Change change;
+  ASSERT_EQ(File::open(path, Access::change, own), Status::success);
+  auto const version = [&] {
+    std::int64_t now = 0;
+    EXPECT_EQ(own.version(now), Status::success);
+    return now;
+  };
+  std::int64_t const first = version();
+  ASSERT_EQ(own.begin(change), Status::success);
+  ASSERT_EQ(change.add({.name = "Own", .number = "1"}), Status::success);
+  ASSERT_EQ(change.commit(), Status::success);
+  EXPECT_EQ(version(), first);
+  Individual const other{.name = "Other", .number = "1"};
+  ASSERT_EQ(add(path, {&other, 1}), Status::success);
+  EXPECT_NE(version(), first);
+}
+
 TEST_F(BookTest, TheShellReadsOursAndWeReadTheShells) {
   make(2);
   auto const shell = [&](std::string const &file, std::string const &statements) {
