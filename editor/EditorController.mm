@@ -1,0 +1,541 @@
+#import "editor/EditorController.h"
+
+#include <algorithm>
+#include <ctime>
+#include <memory>
+#include <vector>
+
+#import "editor/EntryPanel.h"
+#import "editor/GroupPanel.h"
+#import "editor/NamePanel.h"
+#import "editor/background_work.h"
+#import "editor/text.h"
+
+#include "editor/core/book_list.h"
+#include "editor/core/messages.h"
+#include "editor/core/rows.h"
+
+using namespace fax::editor;
+
+static NSString *const kLastBook = @"LastBook";
+static NSTimeInterval const kLookAgain = 1;
+
+struct EditorState {
+  CommandLine line;
+  std::vector<std::string> elsewhere;  // paths of books outside the folder
+  std::vector<BookPlace> books;        // as the pop-up has them
+  std::unique_ptr<OpenBook> book;
+  Wish wish;
+  Rows rows;
+  std::vector<std::uint32_t> groups;  // ids, as the list has them below "All entries"
+  fax::Status trouble = fax::Status::success;  // why the book could not be looked at the last time
+  bool showing = false;                        // the lists change, and not by the user's hand
+};
+
+@interface EditorController (Parts)
+- (void)prepareCopyButton;
+- (void)openPath:(std::string const &)path;
+- (void)showAll;
+- (void)showAllSelecting:(std::vector<std::uint32_t> const &)selected;
+- (void)showBooks;
+- (Column)columnOf:(NSTableColumn *)column;
+@end
+
+@implementation EditorController
+
+- (id)initWithCommandLine:(CommandLine const &)line {
+  if (!(self = [super init])) return nil;
+  _state = new EditorState;
+  _state->line = line;
+  _state->elsewhere = line.books;
+  return self;
+}
+
+- (void)dealloc {
+  [_timer invalidate];
+  [_window->people setDataSource:nil];
+  [_window->groups setDataSource:nil];
+  [_window setDelegate:nil];
+  [_window release];
+  delete _state;
+  [super dealloc];
+}
+
+- (OpenBook *)book {
+  return _state->book.get();
+}
+
+- (CommandLine const &)commandLine {
+  return _state->line;
+}
+
+// Start and end.
+
+- (void)applicationDidFinishLaunching:(NSNotification *)notification {
+  _window = [[EditorWindow alloc] initWithOwner:self];
+  [_window connectLists];
+  [_window setDelegate:(id)self];
+  [_window center];
+  [_window setFrameAutosaveName:@"AddressBookEditor"];
+  [self prepareCopyButton];
+  [self showAll];
+  [_window makeKeyAndOrderFront:nil];
+  [NSApp activateIgnoringOtherApps:YES];
+  _timer = [NSTimer scheduledTimerWithTimeInterval:kLookAgain
+                                            target:self
+                                          selector:@selector(lookAgain:)
+                                          userInfo:nil
+                                           repeats:YES];
+  [self performSelector:@selector(openFirstBook) withObject:nil afterDelay:0];
+}
+
+- (BOOL)applicationShouldTerminateAfterLastWindowClosed:(NSApplication *)application {
+  return YES;
+}
+
+- (void)windowWillClose:(NSNotification *)notification {
+  [NSApp terminate:nil];
+}
+
+- (void)prepareCopyButton {
+  bool const usb = _state->line.connection == Connection::usb;
+  NSString *tip = usb ? EditorText(@"A printer on USB has no address to read its book from.")
+                      : EditorText(@"Start the editor from the fax panel of a network printer for this.");
+  if (!_state->line.address.empty())
+    tip = EditorFormat(@"From the address book of the printer at %@", ns(_state->line.address));
+  [_window->copyFromPrinter setToolTip:tip];
+}
+
+- (void)openFirstBook {
+  if (!_state->line.books.empty()) {
+    [self openPath:_state->line.books.front()];
+    return;
+  }
+  if (_state->books.empty()) return;
+  std::string const last = utf8([[NSUserDefaults standardUserDefaults] stringForKey:kLastBook]);
+  bool const known = std::any_of(_state->books.begin(), _state->books.end(),
+                                 [&](BookPlace const &book) { return book.path == last; });
+  [self openPath:known ? last : _state->books.front().path];
+}
+
+// Books.
+
+// The book that is open stays when this one cannot be opened.
+- (void)openPath:(std::string const &)path {
+  std::unique_ptr<OpenBook> opened;
+  fax::Status status = fax::Status::unexpected;
+  run_aside(EditorText(@"Opening the address book…"), Cancel::impossible,
+            [&](Share const &) { status = OpenBook::open(path, opened); });
+  if (status != fax::Status::success) {
+    [self showBooks];
+    tell(ns(path + ": " + sentence_about(status)));
+    return;
+  }
+  _state->book = std::move(opened);
+  _state->trouble = fax::Status::success;
+  _state->wish = {};
+  if (std::find(_state->elsewhere.begin(), _state->elsewhere.end(), path) == _state->elsewhere.end())
+    _state->elsewhere.push_back(path);
+  [[NSUserDefaults standardUserDefaults] setObject:ns(path) forKey:kLastBook];
+  [_window->search setStringValue:@""];
+  [self showAll];
+  [_window makeFirstResponder:_window->people];
+  [self say:_state->book->can_change() ? "" : utf8(EditorText(@"This address book can only be read."))];
+}
+
+- (void)newBook:(id)sender {
+  std::string const folder = fax::gad::folder();
+  std::string path;
+  CheckText const create = [&](std::string const &name) -> std::string {
+    if (std::string const fault = fault_of_book_name(name); !fault.empty()) return fault;
+    fax::Status const status = create_book(folder, name, path);
+    return status == fax::Status::success ? "" : sentence_about(status);
+  };
+  NamePanel *panel = [[[NamePanel alloc] initWithTitle:EditorText(@"New Address Book")
+                                                 label:EditorText(@"Name:")
+                                                accept:EditorText(@"Create")
+                                                  hint:EditorFormat(@"In the folder %@", ns(folder))
+                                                secret:NO
+                                                 check:create] autorelease];
+  if ([panel run]) [self openPath:path];
+}
+
+- (void)openBook:(id)sender {
+  NSOpenPanel *panel = [NSOpenPanel openPanel];
+  [panel setTitle:EditorText(@"Open")];
+  [panel setAllowsMultipleSelection:NO];
+  NSArray *types = [NSArray arrayWithObject:@"gad"];
+  if ([panel runModalForDirectory:ns(fax::gad::folder()) file:nil types:types] == NSOKButton)
+    [self openPath:utf8([panel filename])];
+}
+
+- (void)chooseBook:(id)sender {
+  NSInteger const at = [_window->books indexOfSelectedItem];
+  if (at < 0 || static_cast<std::size_t>(at) >= _state->books.size()) return;
+  std::string const path = _state->books[static_cast<std::size_t>(at)].path;
+  if (_state->book == nullptr || _state->book->path() != path) [self openPath:path];
+}
+
+// Other programs make books, and change this one.
+- (void)lookAgain:(NSTimer *)timer {
+  [self showBooks];
+  if (_state->book == nullptr) return;
+  bool changed = false;
+  fax::Status const status = _state->book->refresh(changed);
+  if (changed) {
+    [self showAll];
+    [self say:utf8(EditorText(@"Another program has changed this address book; it is shown as it is now."))];
+  }
+  if (status != _state->trouble) [self say:status == fax::Status::success ? "" : sentence_about(status)];
+  _state->trouble = status;
+}
+
+- (void)windowDidBecomeKey:(NSNotification *)notification {
+  if (_timer != nil) [self lookAgain:nil];
+}
+
+// What is shown.
+
+- (void)say:(std::string const &)sentence {
+  if (!sentence.empty()) return [_window->status setStringValue:ns(sentence)];
+  NSString *text = @"";
+  if (_state->book != nullptr) {
+    auto const contents = _state->book->contents();
+    auto const shown = static_cast<unsigned long>(_state->rows.count());
+    auto const all = static_cast<unsigned long>(contents->people().size());
+    text = shown == all ? EditorFormat(@"%lu entries", all) : EditorFormat(@"%lu of %lu entries", shown, all);
+  }
+  [_window->status setStringValue:text];
+}
+
+- (void)showBooks {
+  std::vector<BookPlace> books = known_books(fax::gad::folder(), _state->elsewhere);
+  auto const alike = [](BookPlace const &one, BookPlace const &other) {
+    return one.path == other.path && one.title == other.title;
+  };
+  NSPopUpButton *popUp = _window->books;
+  if (!std::equal(books.begin(), books.end(), _state->books.begin(), _state->books.end(), alike)) {
+    [popUp removeAllItems];
+    for (BookPlace const &book : books) [[popUp menu] addItemWithTitle:ns(book.title) action:NULL keyEquivalent:@""];
+    _state->books = std::move(books);
+  }
+  [popUp setEnabled:!_state->books.empty()];
+  std::string const open = _state->book != nullptr ? _state->book->path() : "";
+  auto const found = std::find_if(_state->books.begin(), _state->books.end(),
+                                  [&](BookPlace const &book) { return book.path == open; });
+  NSInteger const at = found == _state->books.end() ? -1 : found - _state->books.begin();
+  if ([popUp indexOfSelectedItem] != at) [popUp selectItemAtIndex:at];
+}
+
+- (void)showGroups {
+  _state->groups.clear();
+  if (_state->book != nullptr) _state->groups = groups_by_name(*_state->book->contents());
+  auto const found = std::find(_state->groups.begin(), _state->groups.end(), _state->wish.group);
+  if (found == _state->groups.end()) _state->wish.group = 0;
+  NSInteger const row = _state->wish.group == 0 ? 0 : 1 + (found - _state->groups.begin());
+  [_window->groups reloadData];
+  if (_state->book != nullptr)
+    [_window->groups selectRowIndexes:[NSIndexSet indexSetWithIndex:static_cast<NSUInteger>(row)]
+                 byExtendingSelection:NO];
+}
+
+- (NSString *)emptyText {
+  if (_state->book == nullptr)
+    return _state->books.empty() ? EditorText(@"There is no address book yet.\n“New Book…” makes one.")
+                                 : EditorText(@"No address book is open.");
+  if (!_state->wish.search.empty()) return EditorFormat(@"Nothing is found for “%@”.", ns(_state->wish.search));
+  if (_state->wish.group != 0) return EditorText(@"Nobody is in this group.\n“Edit…” below the groups chooses members.");
+  return EditorText(@"This address book is empty.\n“New Entry…” adds somebody, “Import…” takes over a list.");
+}
+
+- (void)showPeople:(std::vector<std::uint32_t> const &)selected {
+  _state->rows = _state->book != nullptr ? Rows(_state->book->contents(), _state->wish) : Rows();
+  [_window->people setEmptyText:[self emptyText]];
+  [_window->people reloadData];
+  NSMutableIndexSet *rows = [NSMutableIndexSet indexSet];
+  for (std::size_t row : _state->rows.rows_of(selected)) [rows addIndex:row];
+  [_window->people selectRowIndexes:rows byExtendingSelection:NO];
+  if ([rows count] > 0) [_window->people scrollRowToVisible:static_cast<NSInteger>([rows firstIndex])];
+}
+
+- (void)showButtons {
+  bool const open = _state->book != nullptr, can = open && _state->book->can_change();
+  NSInteger const chosen = open ? [_window->people numberOfSelectedRows] : 0;
+  [_window->newEntry setEnabled:can];
+  [_window->editEntry setEnabled:can && chosen == 1];
+  [_window->deleteEntries setEnabled:can && chosen > 0];
+  [_window->newGroup setEnabled:can];
+  [_window->editGroup setEnabled:can && _state->wish.group != 0];
+  [_window->deleteGroup setEnabled:can && _state->wish.group != 0];
+  [_window->search setEnabled:open];
+  [_window->importList setEnabled:can];
+  [_window->exportBook setEnabled:open];
+  [_window->copyFromPrinter setEnabled:can && !_state->line.address.empty()];
+  Step const *undo = open ? _state->book->steps().to_undo() : nullptr;
+  Step const *redo = open ? _state->book->steps().to_redo() : nullptr;
+  [_window->undo setEnabled:undo != nullptr];
+  [_window->redo setEnabled:redo != nullptr];
+  [_window->undo setToolTip:undo != nullptr ? EditorFormat(@"Undo “%@” (Ctrl+Z)", EditorText(ns(undo->title)))
+                                            : EditorText(@"Ctrl+Z")];
+  [_window->redo setToolTip:redo != nullptr ? EditorFormat(@"Redo “%@” (Ctrl+Shift+Z)", EditorText(ns(redo->title)))
+                                            : EditorText(@"Ctrl+Shift+Z")];
+}
+
+- (std::vector<std::uint32_t>)selectedPeople {
+  std::vector<std::uint32_t> ids;
+  NSIndexSet *rows = [_window->people selectedRowIndexes];
+  for (NSUInteger row = [rows firstIndex]; row != NSNotFound; row = [rows indexGreaterThanIndex:row])
+    if (row < _state->rows.count()) ids.push_back(_state->rows.person(row).id);
+  return ids;
+}
+
+- (void)showAllSelecting:(std::vector<std::uint32_t> const &)selected {
+  _state->showing = true;
+  [self showBooks];
+  [self showGroups];
+  [self showPeople:selected];
+  _state->showing = false;
+  [self showButtons];
+  [self say:""];
+}
+
+- (void)showAll {
+  [self showAllSelecting:[self selectedPeople]];
+}
+
+// The lists.
+
+- (NSInteger)numberOfRowsInTableView:(NSTableView *)table {
+  if (table == _window->people) return static_cast<NSInteger>(_state->rows.count());
+  return _state->book == nullptr ? 0 : 1 + static_cast<NSInteger>(_state->groups.size());
+}
+
+- (NSString *)titleOfGroupRow:(NSInteger)row {
+  auto const contents = _state->book->contents();
+  if (row == 0) return EditorText(@"All entries");
+  Group const *group = contents->group(_state->groups[static_cast<std::size_t>(row - 1)]);
+  if (group == nullptr) return @"";
+  return [NSString stringWithFormat:@"%@ (%lu)", ns(group->name), static_cast<unsigned long>(group->members.size())];
+}
+
+- (id)tableView:(NSTableView *)table objectValueForTableColumn:(NSTableColumn *)column row:(NSInteger)row {
+  if (row < 0 || row >= [self numberOfRowsInTableView:table]) return nil;
+  if (table == _window->groups) return [self titleOfGroupRow:row];
+  NSString *text = ns(_state->rows.text(static_cast<std::size_t>(row), [self columnOf:column]));
+  return [[text componentsSeparatedByString:@"\n"] componentsJoinedByString:@" "];
+}
+
+- (Column)columnOf:(NSTableColumn *)column {
+  NSString *which = [column identifier];
+  if ([which isEqualToString:@"number"]) return Column::number;
+  if ([which isEqualToString:@"company"]) return Column::company;
+  return [which isEqualToString:@"note"] ? Column::note : Column::name;
+}
+
+- (void)tableView:(NSTableView *)table didClickTableColumn:(NSTableColumn *)column {
+  if (table != _window->people) return;
+  Column const order = [self columnOf:column];
+  _state->wish.descending = order == _state->wish.order && !_state->wish.descending;
+  _state->wish.order = order;
+  [self showAll];
+}
+
+- (void)tableViewSelectionDidChange:(NSNotification *)notification {
+  if (_state->showing) return;
+  if ([notification object] == _window->groups) {
+    NSInteger const row = [_window->groups selectedRow];
+    std::uint32_t const group = row <= 0 ? 0 : _state->groups[static_cast<std::size_t>(row - 1)];
+    if (group == _state->wish.group) return;
+    _state->wish.group = group;
+    _state->showing = true;
+    [self showPeople:std::vector<std::uint32_t>()];
+    _state->showing = false;
+    [self say:""];
+  }
+  [self showButtons];
+}
+
+- (void)controlTextDidChange:(NSNotification *)notification {
+  std::vector<std::uint32_t> const selected = [self selectedPeople];
+  _state->wish.search = utf8([_window->search stringValue]);
+  _state->showing = true;
+  [self showPeople:selected];
+  _state->showing = false;
+  [self showButtons];
+  [self say:""];
+}
+
+- (void)listReturn:(NSTableView *)list {
+  list == _window->groups ? [self editGroup:list] : [self editEntry:list];
+}
+- (void)listDelete:(NSTableView *)list {
+  list == _window->groups ? [self deleteGroup:list] : [self deleteEntries:list];
+}
+- (void)listSpace:(NSTableView *)list {
+}
+
+// Edits.
+
+// Keys come here whether or not the button is enabled.
+- (BOOL)refuses:(NSButton *)button {
+  if ([button isEnabled]) return NO;
+  NSBeep();
+  return YES;
+}
+
+- (void)showOutcome:(Outcome const &)outcome done:(std::string const &)done {
+  [self showAll];
+  if (outcome.made()) return [self say:done];
+  tell(ns(problem_with(outcome)));
+}
+
+- (void)makeStep:(Step const &)step doing:(NSString *)what {
+  Outcome outcome;
+  OpenBook *book = [self book];
+  run_aside(what, Cancel::impossible, [&](Share const &) { outcome = book->make(step); });
+  [self showOutcome:outcome done:utf8(EditorText(ns(step.title))) + ": " + utf8(EditorText(@"saved."))];
+}
+
+- (void)undo:(id)sender {
+  if ([self refuses:_window->undo]) return;
+  Outcome outcome;
+  OpenBook *book = [self book];
+  run_aside(EditorText(@"Undoing…"), Cancel::impossible, [&](Share const &) { outcome = book->undo(); });
+  [self showOutcome:outcome done:utf8(EditorFormat(@"“%@” was undone, and that is saved.",
+                                                   EditorText(ns(outcome.title))))];
+}
+
+- (void)redo:(id)sender {
+  if ([self refuses:_window->redo]) return;
+  Outcome outcome;
+  OpenBook *book = [self book];
+  run_aside(EditorText(@"Redoing…"), Cancel::impossible, [&](Share const &) { outcome = book->redo(); });
+  [self showOutcome:outcome done:utf8(EditorFormat(@"“%@” was made again, and that is saved.",
+                                                   EditorText(ns(outcome.title))))];
+}
+
+// Stores what the panel holds. After a conflict the panel stays, and what another program has stored counts as seen.
+- (std::string)savePerson:(Person const &)after instead:(std::optional<Person> &)before {
+  if (before && same(*before, after)) return "";
+  Step step = before ? edit_person(*before, after) : add_person(after);
+  if (!before && _state->wish.group != 0) step.append(MemberChange{{_state->wish.group}, {0, 0}, true});
+  Outcome const outcome = _state->book->make(step);
+  if (outcome.made()) {
+    auto const &made = std::get<PersonChange>(_state->book->steps().to_undo()->changes.front());
+    if (!before) {
+      _state->wish.search.clear();
+      [_window->search setStringValue:@""];
+    }
+    std::vector<std::uint32_t> const selected(1, made.after->id);
+    [self showAllSelecting:selected];
+    [self say:utf8(EditorText(ns(step.title))) + ": " + utf8(EditorText(@"saved."))];
+    return "";
+  }
+  [self showAll];
+  if (outcome.conflict.empty() || !before) return problem_with(outcome);
+  Person const *now = _state->book->contents()->person(before->id);
+  before = now != nullptr ? std::optional(*now) : std::nullopt;
+  return outcome.conflict + " " +
+         utf8(now != nullptr ? EditorText(@"Save again to replace it.") : EditorText(@"Save again to add it anew."));
+}
+
+- (void)editPerson:(Person const &)person {
+  std::optional<Person> before;
+  std::string groups;
+  auto const contents = _state->book->contents();
+  auto const name = [&](std::uint32_t id) { groups += (groups.empty() ? "" : ", ") + contents->group(id)->name; };
+  if (person.id != 0) {
+    before = person;
+    for (std::uint32_t id : contents->groups_of(person.id)) name(id);
+  } else if (_state->wish.group != 0) {
+    name(_state->wish.group);
+  }
+  SavePerson const save = [&](Person const &after) { return [self savePerson:after instead:before]; };
+  EntryPanel *panel = [[[EntryPanel alloc] initWithPerson:person
+                                                   groups:groups
+                                                     save:save] autorelease];
+  [panel run];
+}
+
+- (void)newEntry:(id)sender {
+  if ([self refuses:_window->newEntry]) return;
+  Person person;
+  person.registered = std::time(nullptr);
+  [self editPerson:person];
+}
+
+- (void)editEntry:(id)sender {
+  if ([self refuses:_window->editEntry]) return;
+  if (Person const *person = _state->book->contents()->person([self selectedPeople].front())) {
+    Person const copy = *person;
+    [self editPerson:copy];
+  }
+}
+
+- (void)deleteEntries:(id)sender {
+  if ([self refuses:_window->deleteEntries]) return;
+  NSInteger const row = [_window->people selectedRow];
+  [self makeStep:remove_people(*_state->book->contents(), [self selectedPeople]) doing:EditorText(@"Deleting…")];
+  // The next one is selected, for the next key.
+  NSInteger const next = std::min<NSInteger>(row, [_window->people numberOfRows] - 1);
+  if (next >= 0 && [_window->people selectedRow] < 0)
+    [_window->people selectRowIndexes:[NSIndexSet indexSetWithIndex:static_cast<NSUInteger>(next)]
+                 byExtendingSelection:NO];
+}
+
+- (std::string)saveGroup:(std::string const &)name
+                 members:(std::set<std::uint32_t> const &)members
+                 instead:(std::optional<Group> &)before {
+  Step const step = before ? edit_group(*before, name, members) : add_group(name, members);
+  Outcome const outcome = _state->book->make(step);
+  if (outcome.made()) {
+    auto const &made = std::get<GroupChange>(_state->book->steps().to_undo()->changes.front());
+    _state->wish.group = made.id;
+    [self showAll];
+    [self say:utf8(EditorText(ns(step.title))) + ": " + utf8(EditorText(@"saved."))];
+    return "";
+  }
+  [self showAll];
+  if (outcome.conflict.empty() || !before) return problem_with(outcome);
+  Group const *now = _state->book->contents()->group(before->id);
+  before = now != nullptr ? std::optional(*now) : std::nullopt;
+  return outcome.conflict + " " +
+         utf8(now != nullptr ? EditorText(@"Save again to replace it.") : EditorText(@"Save again to add it anew."));
+}
+
+- (void)runGroupPanel:(Group const &)group {
+  std::optional<Group> before;
+  if (group.id != 0) before = group;
+  SaveGroup const save = [&](std::string const &name, std::set<std::uint32_t> const &members) {
+    return [self saveGroup:name members:members instead:before];
+  };
+  GroupPanel *panel = [[[GroupPanel alloc] initWithGroup:group contents:_state->book->contents() save:save] autorelease];
+  [panel run];
+}
+
+// The selected entries are its first members.
+- (void)newGroup:(id)sender {
+  if ([self refuses:_window->newGroup]) return;
+  Group group;
+  std::vector<std::uint32_t> const selected = [self selectedPeople];
+  for (std::uint32_t person : selected)
+    if (person <= fax::gad::greatest_member_id) group.members.push_back(person);
+  std::sort(group.members.begin(), group.members.end());
+  [self runGroupPanel:group];
+}
+
+- (void)editGroup:(id)sender {
+  if ([self refuses:_window->editGroup]) return;
+  if (Group const *group = _state->book->contents()->group(_state->wish.group)) {
+    Group const copy = *group;
+    [self runGroupPanel:copy];
+  }
+}
+
+- (void)deleteGroup:(id)sender {
+  if ([self refuses:_window->deleteGroup]) return;
+  if (Group const *group = _state->book->contents()->group(_state->wish.group))
+    [self makeStep:remove_group(*group) doing:EditorText(@"Deleting…")];
+}
+
+@end

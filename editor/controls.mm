@@ -1,0 +1,183 @@
+#import "editor/controls.h"
+
+#include <algorithm>
+#include <cmath>
+
+#import "editor/text.h"
+
+namespace fax::editor {
+namespace {
+
+CGFloat width_of(NSString *text) {
+  NSDictionary *font = [NSDictionary dictionaryWithObject:[NSFont systemFontOfSize:0] forKey:NSFontAttributeName];
+  return std::ceil([text sizeWithAttributes:font].width);
+}
+
+constexpr NSUInteger kAlertWidth = 64;  // characters
+
+}  // namespace
+
+NSTextField *make_label(NSString *text) {
+  NSTextField *label = [[[NSTextField alloc] initWithFrame:NSMakeRect(0, 0, width_of(text) + 8, 18)] autorelease];
+  [label setEditable:NO];
+  [label setSelectable:NO];
+  [label setBezeled:NO];
+  [label setBordered:NO];
+  [label setDrawsBackground:NO];
+  [label setFont:[NSFont systemFontOfSize:0]];
+  [label setStringValue:text];
+  return label;
+}
+
+NSButton *make_button(NSString *title, id target, SEL action, NSString *tip) {
+  CGFloat const width = std::max<CGFloat>(72, width_of(title) + 28);
+  NSButton *button = [[[NSButton alloc] initWithFrame:NSMakeRect(0, 0, width, kRow)] autorelease];
+  [button setButtonType:NSMomentaryPushInButton];
+  [button setBezelStyle:NSRoundedBezelStyle];
+  [button setFont:[NSFont systemFontOfSize:0]];
+  [button setTitle:title];
+  [button setTarget:target];
+  [button setAction:action];
+  if ([tip length] > 0) [button setToolTip:tip];
+  return button;
+}
+
+NSTextField *make_field(Class kind) {
+  NSTextField *field = [[[kind alloc] initWithFrame:NSMakeRect(0, 0, 200, kRow)] autorelease];
+  [field setFont:[NSFont systemFontOfSize:0]];
+  [[field cell] setScrollable:YES];
+  return field;
+}
+
+NSPopUpButton *make_pop_up(id target, SEL action) {
+  NSPopUpButton *button = [[[NSPopUpButton alloc] initWithFrame:NSMakeRect(0, 0, 220, kRow) pullsDown:NO] autorelease];
+  [button setFont:[NSFont systemFontOfSize:0]];
+  [button setAutoenablesItems:NO];
+  [button setTarget:target];
+  [button setAction:action];
+  return button;
+}
+
+NSString *wrapped(NSString *text, NSUInteger characters) {
+  NSMutableString *all = [NSMutableString string];
+  NSUInteger line = 0;
+  NSArray *words = [text componentsSeparatedByString:@" "];
+  for (NSUInteger at = 0; at < [words count]; ++at) {
+    NSString *word = [words objectAtIndex:at];
+    bool const breaks = line + [word length] + 1 > characters;
+    if (at > 0) [all appendString:breaks ? @"\n" : @" "];
+    line = breaks ? [word length] : line + [word length] + 1;
+    [all appendString:word];
+  }
+  return all;
+}
+
+CGFloat place_in_row(NSView *parent, CGFloat x, CGFloat y, NSArray *views, NSUInteger resizing) {
+  for (NSUInteger at = 0; at < [views count]; ++at) {
+    NSView *view = [views objectAtIndex:at];
+    CGFloat const lift = [view frame].size.height < kRow ? 3 : 0;  // labels stand on the line of their neighbours
+    [view setFrameOrigin:NSMakePoint(x, y + lift)];
+    [view setAutoresizingMask:resizing];
+    [parent addSubview:view];
+    x += [view frame].size.width + kGap;
+  }
+  return x;
+}
+
+NSScrollView *make_list(NSTableView *table, NSRect frame, id source) {
+  NSScrollView *scroll = [[[NSScrollView alloc] initWithFrame:frame] autorelease];
+  [scroll setHasVerticalScroller:YES];
+  [scroll setBorderType:NSBezelBorder];
+  [table setRowHeight:20];
+  [table setDelegate:source];
+  [table setTarget:source];
+  [table setDataSource:source];
+  [table setAllowsColumnReordering:NO];
+  [scroll setDocumentView:table];
+  return scroll;
+}
+
+NSTableColumn *add_column(NSTableView *table, NSString *identifier, NSString *title, CGFloat width) {
+  NSTableColumn *column = [[[NSTableColumn alloc] initWithIdentifier:identifier] autorelease];
+  [[column headerCell] setStringValue:title];
+  [column setWidth:width];
+  [column setMinWidth:40];
+  [column setEditable:NO];
+  [table addTableColumn:column];
+  return column;
+}
+
+void join_focus(NSArray *views) {
+  NSUInteger const count = [views count];
+  for (NSUInteger at = 0; at < count; ++at)
+    [[views objectAtIndex:at] setNextKeyView:[views objectAtIndex:(at + 1) % count]];
+}
+
+void tell(NSString *what) {
+  NSAlert *alert = [[[NSAlert alloc] init] autorelease];
+  [alert setMessageText:EditorText(@"Address Book Editor")];
+  [alert setInformativeText:wrapped(what, kAlertWidth)];
+  [alert addButtonWithTitle:EditorText(@"OK")];
+  [alert runModal];
+}
+
+bool ask(NSString *what, NSString *yes, NSString *no) {
+  NSAlert *alert = [[[NSAlert alloc] init] autorelease];
+  [alert setMessageText:EditorText(@"Address Book Editor")];
+  [alert setInformativeText:wrapped(what, kAlertWidth)];
+  [alert addButtonWithTitle:yes];
+  [alert addButtonWithTitle:no];
+  return [alert runModal] == NSAlertFirstButtonReturn;
+}
+
+}  // namespace fax::editor
+
+@implementation EditorList
+
+- (void)dealloc {
+  [_emptyText release];
+  [super dealloc];
+}
+
+- (void)setEmptyText:(NSString *)text {
+  [_emptyText autorelease];
+  _emptyText = [text copy];
+  [self setNeedsDisplay:YES];
+}
+
+- (void)drawRect:(NSRect)dirty {
+  [super drawRect:dirty];
+  if ([self numberOfRows] > 0 || [_emptyText length] == 0) return;
+  NSMutableParagraphStyle *middle = [[[NSMutableParagraphStyle alloc] init] autorelease];
+  [middle setAlignment:NSCenterTextAlignment];
+  NSDictionary *look = [NSDictionary
+      dictionaryWithObjectsAndKeys:[NSFont systemFontOfSize:0], NSFontAttributeName, middle,
+                                   NSParagraphStyleAttributeName, [NSColor controlTextColor],
+                                   NSForegroundColorAttributeName, nil];
+  NSRect area = NSInsetRect([self visibleRect], fax::editor::kMargin, fax::editor::kMargin);
+  CGFloat const height = [_emptyText sizeWithAttributes:look].height;
+  area.origin.y += std::max<CGFloat>(0, (area.size.height - height) / 3);
+  area.size.height = height + 4;
+  [_emptyText drawInRect:area withAttributes:look];
+}
+
+- (void)keyDown:(NSEvent *)event {
+  NSString *characters = [event characters];
+  unichar const key = [characters length] > 0 ? [characters characterAtIndex:0] : 0;
+  NSUInteger const modifiers = NSCommandKeyMask | NSControlKeyMask | NSAlternateKeyMask;
+  id<EditorListKeys> keys = (id<EditorListKeys>)[self delegate];
+  if (([event modifierFlags] & modifiers) != 0) return [super keyDown:event];
+  switch (key) {
+    case NSCarriageReturnCharacter:
+    case NSEnterCharacter: return [keys listReturn:self];
+    case NSDeleteFunctionKey:
+    case NSDeleteCharacter:
+    case NSBackspaceCharacter: return [keys listDelete:self];
+    case ' ': return [keys listSpace:self];
+    case NSTabCharacter: return [[self window] selectKeyViewFollowingView:self];
+    case NSBackTabCharacter: return [[self window] selectKeyViewPrecedingView:self];
+    default: return [super keyDown:event];
+  }
+}
+
+@end

@@ -1,0 +1,95 @@
+#include "editor/core/command_line.h"
+
+#include <arpa/inet.h>
+
+#include <array>
+#include <filesystem>
+
+namespace fax::editor {
+namespace {
+
+// An interface ("fe80::1%eth0") is no part of the number.
+bool is_address(std::string const &text) {
+  std::array<unsigned char, sizeof(in6_addr)> number{};
+  std::string const plain = text.substr(0, text.find('%'));
+  return inet_pton(AF_INET, text.c_str(), number.data()) == 1 || inet_pton(AF_INET6, plain.c_str(), number.data()) == 1;
+}
+
+// Splits "-Key value"; an argument without a blank takes its value from the next one.
+class Words {
+public:
+  Words(std::vector<std::string> const &all) : all_(all) {}
+  bool next() {
+    if (at_ == all_.size()) return false;
+    word_ = all_[at_++];
+    return true;
+  }
+  std::string const &word() const { return word_; }
+  bool takes(std::string const &key, std::string &value) {
+    if (word_ == key) {
+      value = at_ < all_.size() ? all_[at_++] : "";
+      return true;
+    }
+    if (!word_.starts_with(key + " ")) return false;
+    value = word_.substr(key.size() + 1);
+    return true;
+  }
+
+private:
+  std::vector<std::string> const &all_;
+  std::size_t at_ = 0;
+  std::string word_;
+};
+
+}  // namespace
+
+CommandLine parse_command_line(std::vector<std::string> const &arguments, std::string const &folder) {
+  CommandLine line;
+  Words words(arguments);
+  std::string value;
+  bool only_files = false;
+  while (words.next()) {
+    std::string const &word = words.word();
+    if (only_files || !word.starts_with('-')) {
+      if (!word.empty()) line.books.push_back((std::filesystem::path(folder) / word).lexically_normal().string());
+    } else if (word == "--") {
+      only_files = true;
+    } else if (word == "-h" || word == "--help") {
+      line.help = true;
+    } else if (word == "--version") {
+      line.version = true;
+    } else if (words.takes("-DFAXConnectionType", value)) {
+      if (value == "NET")
+        line.connection = Connection::network;
+      else if (value == "USB")
+        line.connection = Connection::usb;
+      else
+        line.fault = "The connection type \"" + value + "\" is neither NET nor USB.";
+    } else if (words.takes("-DFAXAddress", value)) {
+      if (is_address(value))
+        line.address = value;
+      else
+        line.fault = "The printer's address \"" + value + "\" is no IP address.";
+    } else {
+      line.fault = "The option \"" + word + "\" is not known.";
+    }
+  }
+  if (line.connection != Connection::network) line.address.clear();
+  return line;
+}
+
+std::string help_text() {
+  return "Usage: AddressBookEditor [OPTION...] [FILE.gad...]\n"
+         "Shows and changes the address books of the fax dialog.\n"
+         "\n"
+         "  \"-DFAXConnectionType NET\" \"-DFAXAddress ADDRESS\"\n"
+         "                             entries can be copied from the book of the printer at this address\n"
+         "  \"-DFAXConnectionType USB\"  the printer has no address\n"
+         "  -h, --help                 this text\n"
+         "      --version              the version\n"
+         "\n"
+         "Without FILE the book that was open last, else the first of the address-book folder: DIRECTFAX_ADDRESSBOOKS,\n"
+         "XDG_DATA_HOME/directfax/addressbooks, or ~/.local/share/directfax/addressbooks.\n";
+}
+
+}  // namespace fax::editor
