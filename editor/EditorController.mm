@@ -34,9 +34,11 @@ struct EditorState {
 
 @interface EditorController (Parts)
 - (void)prepareCopyButton;
+- (void)openFirstBook;
 - (void)openPath:(std::string const &)path;
 - (void)showAll;
 - (void)showAllSelecting:(std::vector<std::uint32_t> const &)selected;
+- (void)selectRow:(NSInteger)row;
 - (void)showBooks;
 - (Column)columnOf:(NSTableColumn *)column;
 @end
@@ -79,6 +81,7 @@ struct EditorState {
   [_window setFrameAutosaveName:@"AddressBookEditor"];
   [self prepareCopyButton];
   [self showAll];
+  [self openFirstBook];  // before the window is there: no key is typed at an editor without a book
   [_window makeKeyAndOrderFront:nil];
   [NSApp activateIgnoringOtherApps:YES];
   _timer = [NSTimer scheduledTimerWithTimeInterval:kLookAgain
@@ -86,7 +89,6 @@ struct EditorState {
                                           selector:@selector(lookAgain:)
                                           userInfo:nil
                                            repeats:YES];
-  [self performSelector:@selector(openFirstBook) withObject:nil afterDelay:0];
 }
 
 - (BOOL)applicationShouldTerminateAfterLastWindowClosed:(NSApplication *)application {
@@ -139,6 +141,7 @@ struct EditorState {
   [[NSUserDefaults standardUserDefaults] setObject:ns(path) forKey:kLastBook];
   [_window->search setStringValue:@""];
   [self showAll];
+  [self selectRow:0];
   [_window makeFirstResponder:_window->people];
   [self say:_state->book->can_change() ? "" : utf8(EditorText(@"This address book can only be read."))];
 }
@@ -287,6 +290,15 @@ struct EditorState {
   for (NSUInteger row = [rows firstIndex]; row != NSNotFound; row = [rows indexGreaterThanIndex:row])
     if (row < _state->rows.count()) ids.push_back(_state->rows.person(row).id);
   return ids;
+}
+
+// Or the last one, when there are fewer.
+- (void)selectRow:(NSInteger)row {
+  NSInteger const at = std::min<NSInteger>(row, [_window->people numberOfRows] - 1);
+  if (at < 0) return;
+  [_window->people selectRowIndexes:[NSIndexSet indexSetWithIndex:static_cast<NSUInteger>(at)]
+               byExtendingSelection:NO];
+  [_window->people scrollRowToVisible:at];
 }
 
 - (void)showAllSelecting:(std::vector<std::uint32_t> const &)selected {
@@ -476,11 +488,7 @@ struct EditorState {
   if ([self refuses:_window->deleteEntries]) return;
   NSInteger const row = [_window->people selectedRow];
   [self makeStep:remove_people(*_state->book->contents(), [self selectedPeople]) doing:EditorText(@"Deleting…")];
-  // The next one is selected, for the next key.
-  NSInteger const next = std::min<NSInteger>(row, [_window->people numberOfRows] - 1);
-  if (next >= 0 && [_window->people selectedRow] < 0)
-    [_window->people selectRowIndexes:[NSIndexSet indexSetWithIndex:static_cast<NSUInteger>(next)]
-                 byExtendingSelection:NO];
+  if ([_window->people selectedRow] < 0) [self selectRow:row];
 }
 
 - (std::string)saveGroup:(std::string const &)name
