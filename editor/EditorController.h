@@ -26,4 +26,6 @@
 
 // Import, export, and the printer's book.
 @interface EditorController (Transfer) <EditorTransferActions>
+// The lists of the command line, one after the other, into the book that is open.
+- (void)importGivenLists;
 @end

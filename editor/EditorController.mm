@@ -89,6 +89,7 @@ struct EditorState {
                                           selector:@selector(lookAgain:)
                                           userInfo:nil
                                            repeats:YES];
+  [self performSelector:@selector(importGivenLists) withObject:nil afterDelay:0];
 }
 
 - (BOOL)applicationShouldTerminateAfterLastWindowClosed:(NSApplication *)application {

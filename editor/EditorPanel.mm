@@ -7,6 +7,7 @@ using namespace fax::editor;
 
 static CGFloat const kMessageHeight = 36;
 static CGFloat const kLabelWidth = 110;
+static CGFloat const kReturnSign = 20;  // drawn beside the title
 
 @implementation EditorPanel
 
@@ -26,6 +27,7 @@ static CGFloat const kLabelWidth = 110;
   [content addSubview:_message];
   _accept = make_button(accept, self, @selector(accept:), nil);
   [_accept setKeyEquivalent:@"\r"];
+  [_accept setFrameSize:NSMakeSize([_accept frame].size.width + kReturnSign, kRow)];
   _cancel = make_button(EditorText(@"Cancel"), self, @selector(cancel:), nil);
   [_cancel setKeyEquivalent:@"\e"];
   CGFloat const buttons = [_accept frame].size.width + kGap + [_cancel frame].size.width;

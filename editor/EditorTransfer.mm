@@ -3,6 +3,7 @@
 #include <ctime>
 #include <filesystem>
 #include <memory>
+#include <vector>
 
 #import "editor/NamePanel.h"
 #import "editor/PlanPanel.h"
@@ -42,6 +43,12 @@ using fax::tool::Contacts;
   if ([panel runModalForTypes:nil] == NSOKButton) [self importFile:utf8([panel filename])];
 }
 
+- (void)importGivenLists {
+  std::vector<std::string> const lists = [self commandLine].lists;
+  for (std::string const &list : lists)
+    if ([self book] != nullptr && [self book]->can_change()) [self importFile:list];
+}
+
 - (void)importFile:(std::string const &)path {
   auto contacts = std::make_shared<Contacts>();
   NSString *name = ns(std::filesystem::path(path).filename().string());
@@ -58,7 +65,7 @@ using fax::tool::Contacts;
 
 - (void)exportBook:(id)sender {
   NSSavePanel *panel = [NSSavePanel savePanel];
-  [panel setTitle:EditorText(@"Export as .vcf (vCards) or .csv (a table)")];
+  [panel setTitle:EditorText(@"Export")];
   std::string const path = [self book]->path();
   std::string const proposed = std::filesystem::path(path).stem().string() + ".vcf";
   if ([panel runModalForDirectory:NSHomeDirectory() file:ns(proposed)] != NSOKButton) return;

@@ -3,6 +3,7 @@
 #include <arpa/inet.h>
 
 #include <array>
+#include <cctype>
 #include <filesystem>
 
 namespace fax::editor {
@@ -13,6 +14,12 @@ bool is_address(std::string const &text) {
   std::array<unsigned char, sizeof(in6_addr)> number{};
   std::string const plain = text.substr(0, text.find('%'));
   return inet_pton(AF_INET, text.c_str(), number.data()) == 1 || inet_pton(AF_INET6, plain.c_str(), number.data()) == 1;
+}
+
+bool is_list(std::string const &path) {
+  std::string ending = std::filesystem::path(path).extension().string();
+  for (char &character : ending) character = static_cast<char>(std::tolower(static_cast<unsigned char>(character)));
+  return ending == ".vcf" || ending == ".csv";
 }
 
 // Splits "-Key value"; an argument without a blank takes its value from the next one.
@@ -51,7 +58,9 @@ CommandLine parse_command_line(std::vector<std::string> const &arguments, std::s
   while (words.next()) {
     std::string const &word = words.word();
     if (only_files || !word.starts_with('-')) {
-      if (!word.empty()) line.books.push_back((std::filesystem::path(folder) / word).lexically_normal().string());
+      if (word.empty()) continue;
+      std::string const path = (std::filesystem::path(folder) / word).lexically_normal().string();
+      (is_list(path) ? line.lists : line.books).push_back(path);
     } else if (word == "--") {
       only_files = true;
     } else if (word == "-h" || word == "--help") {
@@ -79,8 +88,8 @@ CommandLine parse_command_line(std::vector<std::string> const &arguments, std::s
 }
 
 std::string help_text() {
-  return "Usage: AddressBookEditor [OPTION...] [FILE.gad...]\n"
-         "Shows and changes the address books of the fax dialog.\n"
+  return "Usage: AddressBookEditor [OPTION...] [FILE.gad...] [LIST.vcf|LIST.csv...]\n"
+         "Shows and changes the address books of the fax dialog. A LIST is imported, after a look at what it holds.\n"
          "\n"
          "  \"-DFAXConnectionType NET\" \"-DFAXAddress ADDRESS\"\n"
          "                             entries can be copied from the book of the printer at this address\n"

@@ -12,6 +12,7 @@ struct CommandLine {
   Connection connection = Connection::unknown;
   std::string address;             // of a network printer, numeric
   std::vector<std::string> books;  // absolute paths
+  std::vector<std::string> lists;  // the same of .vcf and .csv files, to be imported
   bool help = false, version = false;
   std::string fault;  // not empty: a sentence about an argument that makes no sense
 };

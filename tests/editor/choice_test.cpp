@@ -42,9 +42,16 @@ TEST(CommandLineTest, TakesWhatThePanelGivesAndFiles) {
     EXPECT_EQ(line.connection, row.connection);
     EXPECT_EQ(line.address, row.address);
     EXPECT_EQ(line.books, row.books);
+    EXPECT_THAT(line.lists, IsEmpty());
     EXPECT_THAT(line.fault, HasSubstr(row.fault));
     EXPECT_EQ(line.fault.empty(), row.fault[0] == '\0');
   }
+}
+
+TEST(CommandLineTest, ListsAreNoBooks) {
+  CommandLine const line = parse_command_line({"a.gad", "b.VCF", "/c.csv"}, "/f");
+  EXPECT_THAT(line.books, ElementsAre("/f/a.gad"));
+  EXPECT_THAT(line.lists, ElementsAre("/f/b.VCF", "/c.csv"));
 }
 
 TEST(EntryRulesTest, NamesTheFieldAtFault) {

@@ -36,7 +36,8 @@ protected:
   }
   ~EditorWindowTest() override { end(); }
 
-  void start(std::vector<std::string> arguments) {
+  // Returns when the window of this title has the keyboard.
+  void start(std::vector<std::string> arguments, std::string const &title = "Address Book Editor") {
     arguments.insert(arguments.begin(), EDITOR);
     std::vector<char *> words;
     for (std::string &word : arguments) words.push_back(word.data());
@@ -47,7 +48,7 @@ protected:
       execv(words[0], words.data());
       _exit(127);
     }
-    ASSERT_TRUE(has_window("Address Book Editor"));
+    ASSERT_TRUE(has_window(title));
   }
 
   // The way of a power cut, as far as a test can go: nothing of the program runs any more.
@@ -145,6 +146,16 @@ TEST_F(EditorWindowTest, AGroupTakesTheSelectedEntry) {
   // An entry that is made while a group is shown belongs to it.
   ASSERT_NO_FATAL_FAILURE(add("Berta", "5"));
   EXPECT_THAT(gad::read_book(path).groups, ElementsAre(gad::Group{"Friends", {1, 2}}));
+}
+
+TEST_F(EditorWindowTest, AListIsShownBeforeItIsImportedAndUndoneAsAWhole) {
+  gad::put(folder + "/list.csv", "Name,Fax\r\nAnna,1\r\nBerta,2\r\nNobody,\r\n");
+  ASSERT_NO_FATAL_FAILURE(start({path, folder + "/list.csv"}, "Import"));
+  EXPECT_THAT(people(), ElementsAre());
+  ASSERT_TRUE(opens("Return", "Address Book Editor"));
+  EXPECT_TRUE(stored({"Anna 1 ", "Berta 2 "}));
+  keys("ctrl+z");
+  EXPECT_TRUE(stored({}));
 }
 
 TEST_F(EditorWindowTest, AnEditDoesNotWriteOverThatOfAnotherProgram) {
