@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <ctime>
 #include <memory>
+#include <unistd.h>
 #include <vector>
 
 #import "editor/EntryPanel.h"
@@ -55,9 +56,7 @@ struct EditorState {
 
 - (void)dealloc {
   [_timer invalidate];
-  [_window->people setDataSource:nil];
-  [_window->groups setDataSource:nil];
-  [_window setDelegate:nil];
+  [_window disconnect];
   [_window release];
   delete _state;
   [super dealloc];
@@ -98,6 +97,14 @@ struct EditorState {
 
 - (void)windowWillClose:(NSNotification *)notification {
   [NSApp terminate:nil];
+}
+
+// The toolkit's own clean-up at exit waits for its daemons, and a thread may still be asking a printer. Every edit is on
+// the disk.
+- (void)applicationWillTerminate:(NSNotification *)notification {
+  [_window saveFrameUsingName:[_window frameAutosaveName]];
+  [[NSUserDefaults standardUserDefaults] synchronize];
+  _exit(0);
 }
 
 - (void)prepareCopyButton {

@@ -68,7 +68,7 @@ static CGFloat const kReturnSign = 20;  // drawn beside the title
 }
 
 - (void)showError:(NSString *)text {
-  [_message setTextColor:[NSColor colorWithCalibratedRed:0.7 green:0.1 blue:0.1 alpha:1]];
+  [_message setTextColor:error_color()];
   [_message setStringValue:text];
   if ([text length] > 0) NSBeep();
 }

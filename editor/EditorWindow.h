@@ -43,4 +43,6 @@
 // the window, also the data source and the delegate of both lists.
 - (id)initWithOwner:(id<EditorWindowActions, EditorTransferActions>)owner;
 - (void)connectLists;
+// The owner goes before the window.
+- (void)disconnect;
 @end

@@ -134,6 +134,16 @@ CGFloat width_of_row(NSArray *views) {
   }
 }
 
+- (void)disconnect {
+  [self setDelegate:nil];
+  [search setDelegate:nil];
+  NSTableView *const lists[] = {groups, people};
+  for (NSTableView *list : lists) {
+    [list setDataSource:nil];
+    [list setDelegate:nil];
+  }
+}
+
 - (BOOL)editsText {
   return [[self firstResponder] isKindOfClass:[NSTextView class]];
 }
@@ -157,6 +167,10 @@ static unichar ShortcutOf(NSEvent *event) {
     case 'z':
       if ([self editsText]) return NO;
       shift ? [_owner redo:self] : [_owner undo:self];
+      return YES;
+    case 'a':
+      if ([self editsText]) return NO;
+      [people selectAll:self];
       return YES;
     case 'w':
     case 'q': [self performClose:self]; return YES;

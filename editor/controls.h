@@ -27,6 +27,9 @@ NSTableColumn *add_column(NSTableView *table, NSString *identifier, NSString *ti
 // Makes the views a ring for the Tab key, in this order.
 void join_focus(NSArray *views);
 
+// A red that can be read on the windows' own background, light or dark.
+NSColor *error_color();
+
 // Returns when the user has read it.
 void tell(NSString *what);
 // Whether the user chose the first of two buttons.

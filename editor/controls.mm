@@ -113,6 +113,15 @@ void join_focus(NSArray *views) {
     [[views objectAtIndex:at] setNextKeyView:[views objectAtIndex:(at + 1) % count]];
 }
 
+NSColor *error_color() {
+  NSColor *ground = [[NSColor windowBackgroundColor] colorUsingColorSpaceName:NSCalibratedRGBColorSpace];
+  CGFloat red = 1, green = 1, blue = 1;
+  if (ground != nil) [ground getRed:&red green:&green blue:&blue alpha:nullptr];
+  bool const dark = 0.3 * red + 0.6 * green + 0.1 * blue < 0.45;
+  return dark ? [NSColor colorWithCalibratedRed:1 green:0.6 blue:0.6 alpha:1]
+              : [NSColor colorWithCalibratedRed:0.5 green:0 blue:0 alpha:1];
+}
+
 void tell(NSString *what) {
   NSAlert *alert = [[[NSAlert alloc] init] autorelease];
   [alert setMessageText:EditorText(@"Address Book Editor")];

@@ -59,6 +59,14 @@ protected:
     process_ = 0;
   }
 
+  // Of the program, which ends by itself; -1 when it does not, or not by itself.
+  int exit_code() {
+    int status = 0;
+    bool const ended = becomes([&] { return waitpid(process_, &status, WNOHANG) == process_; });
+    if (ended) process_ = 0;
+    return ended && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  }
+
   // Waits until the window has the keyboard.
   static bool has_window(std::string const &title, int turns = 400) {
     std::string const command = "[ \"$(xdotool getactivewindow getwindowname 2>/dev/null)\" = '" + title + "' ]";
@@ -156,6 +164,12 @@ TEST_F(EditorWindowTest, AListIsShownBeforeItIsImportedAndUndoneAsAWhole) {
   EXPECT_TRUE(stored({"Anna 1 ", "Berta 2 "}));
   keys("ctrl+z");
   EXPECT_TRUE(stored({}));
+  keys("ctrl+shift+z");
+  EXPECT_TRUE(stored({"Anna 1 ", "Berta 2 "}));
+  keys("ctrl+a Delete");
+  EXPECT_TRUE(stored({}));
+  keys("ctrl+w");
+  EXPECT_EQ(exit_code(), 0);
 }
 
 TEST_F(EditorWindowTest, AnEditDoesNotWriteOverThatOfAnotherProgram) {
