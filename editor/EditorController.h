@@ -16,12 +16,16 @@
 }
 - (id)initWithCommandLine:(fax::editor::CommandLine const &)line;
 
-// For the transfers below. nullptr when no book is open.
+// nullptr when no book is open.
 - (fax::editor::OpenBook *)book;
 - (fax::editor::CommandLine const &)commandLine;
+- (void)say:(std::string const &)sentence;
+@end
+
+// Entries, groups, undo.
+@interface EditorController (Edits) <EditorEditActions>
 // Makes a step that may be long, and shows what came of it.
 - (void)makeStep:(fax::editor::Step const &)step doing:(NSString *)what;
-- (void)say:(std::string const &)sentence;
 @end
 
 // Import, export, and the printer's book.

@@ -8,6 +8,8 @@
 - (void)newBook:(id)sender;
 - (void)openBook:(id)sender;
 - (void)chooseBook:(id)sender;
+@end
+@protocol EditorEditActions
 - (void)newEntry:(id)sender;
 - (void)editEntry:(id)sender;
 - (void)deleteEntries:(id)sender;
@@ -37,11 +39,11 @@
   NSTextField *status;
 
 @private
-  id<EditorWindowActions, EditorTransferActions> _owner;
+  id<EditorWindowActions, EditorEditActions, EditorTransferActions> _owner;
 }
 // owner (not retained) is the target of all controls and the delegate of the search; after connectLists, when it knows
 // the window, also the data source and the delegate of both lists.
-- (id)initWithOwner:(id<EditorWindowActions, EditorTransferActions>)owner;
+- (id)initWithOwner:(id<EditorWindowActions, EditorEditActions, EditorTransferActions>)owner;
 - (void)connectLists;
 // The owner goes before the window.
 - (void)disconnect;

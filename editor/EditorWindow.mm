@@ -30,7 +30,7 @@ CGFloat width_of_row(NSArray *views) {
 
 @implementation EditorWindow
 
-- (id)initWithOwner:(id<EditorWindowActions, EditorTransferActions>)owner {
+- (id)initWithOwner:(id<EditorWindowActions, EditorEditActions, EditorTransferActions>)owner {
   if (!(self = [super initWithContentRect:NSMakeRect(0, 0, kWidth, kHeight)
                                 styleMask:NSTitledWindowMask | NSClosableWindowMask | NSMiniaturizableWindowMask |
                                           NSResizableWindowMask

@@ -24,7 +24,8 @@ std::string sentence_about(Status status) { return std::string(describe(status))
 
 std::string problem_with(Outcome const &outcome) {
   if (!outcome.conflict.empty()) return outcome.conflict + " Nothing was changed.";
-  if (outcome.status == Status::present) return "There is an entry or a group of this name already. Nothing was changed.";
+  if (outcome.status == Status::present)
+    return "There is an entry with this name and number, or a group of this name, already. Nothing was changed.";
   return sentence_about(outcome.status) + " Nothing was changed.";
 }
 
