@@ -15,6 +15,8 @@ using namespace fax::editor;
 
 static NSString *const kLastBook = @"LastBook";
 static NSTimeInterval const kLookAgain = 1;
+// A window that comes while the window manager still brings up the first one may be left without the keyboard.
+static NSTimeInterval const kSettled = 0.5;
 
 @implementation EditorController
 
@@ -60,7 +62,7 @@ static NSTimeInterval const kLookAgain = 1;
                                           selector:@selector(lookAgain:)
                                           userInfo:nil
                                            repeats:YES];
-  [self performSelector:@selector(importGivenLists) withObject:nil afterDelay:0];
+  [self performSelector:@selector(importGivenLists) withObject:nil afterDelay:kSettled];
 }
 
 - (BOOL)applicationShouldTerminateAfterLastWindowClosed:(NSApplication *)application {
