@@ -103,7 +103,7 @@ static CGFloat WidthOfAll(NSArray *buttons) {
   [self setReleasedWhenClosed:NO];
   [self setHidesOnDeactivate:NO];
   [self setLevel:NSModalPanelWindowLevel];
-  [self setTitle:[[NSProcessInfo processInfo] processName]];
+  [self setTitle:@"Alert"];  // what the toolkit calls its own, and where people and scripts look for it
 
   CGFloat const top = whole.height - kEdge;
   NSView *content = [self contentView];
