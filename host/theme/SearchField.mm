@@ -13,6 +13,8 @@ fax::Repair<void(NSRect, NSView *)> draw{
         draw(self, command, frame, view);
         return;
       }
+      // The cell sends its action for the view that it drew itself in last.
+      [cell setControlView:view];
       [[GSTheme theme] drawBorderType:NSBezelBorder frame:frame view:view];
       [[cell searchButtonCell] drawWithFrame:[cell searchButtonRectForBounds:frame] inView:view];
       [cell drawInteriorWithFrame:[cell searchTextRectForBounds:frame] inView:view];

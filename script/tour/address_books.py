@@ -13,7 +13,7 @@ PRIVATE_SLAPD = os.path.join(SCRIPTS, os.pardir, "tests", "quoltanis", "private-
 
 FAX_DIALOG = "Send Fax"
 DIALOG = "Address Book"
-FILE_TABLE, PRINTER_TABLE = "pcAddressTableView", "deviceAddressTableView"
+FILE_TABLE, PRINTER_TABLE = "pcTable", "deviceTable"
 RECIPIENTS = "Recipients"
 
 # What the tour imports. As many programs write it: a byte-order mark, semicolons, a line break inside a cell.

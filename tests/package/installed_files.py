@@ -26,7 +26,9 @@ DESKTOP = f"/usr/share/applications/{ID}.desktop"
 METAINFO = f"/usr/share/metainfo/{ID}.metainfo.xml"
 CHANGELOG = "/usr/share/doc/directfax/changelog.gz"
 
-PROGRAMS = {f"{HOME}/faxprint.app/faxprint", "/usr/bin/gad", "/usr/lib/cups/filter/norvalt-fax-filter"}
+EDITOR = f"{HOME}/AddressBookEditor.app"
+PROGRAMS = {f"{HOME}/faxprint.app/faxprint", f"{HOME}/faxprint.app/faxpages", f"{EDITOR}/AddressBookEditor",
+            "/usr/bin/gad", "/usr/lib/cups/filter/norvalt-fax-filter"}
 LIBRARIES = {f"{HOME}/libdirectfax-platform.so", f"{BUNDLE}/DirectFax", f"{FRAMEWORK}/Versions/A/QUOLTANIS"}
 LINKS = {"/usr/bin/faxprint": f"{HOME}/faxprint.app/faxprint",
          f"{FRAMEWORK}/QUOLTANIS": f"{FRAMEWORK}/Versions/A/QUOLTANIS",
@@ -36,7 +38,8 @@ TEXTS = {PPD, *PAGES, DESKTOP, METAINFO, CHANGELOG, f"/usr/share/icons/hicolor/s
          "/usr/share/zsh/vendor-completions/_faxprint", "/usr/share/zsh/vendor-completions/_gad",
          "/usr/share/doc/directfax/copyright"}
 # Their files are counted by the sources: what lies there is what is installed.
-RESOURCES = {f"{BUNDLE}/Resources/": "resources", f"{HOME}/faxprint.app/Resources/": "host/resources"}
+RESOURCES = {f"{BUNDLE}/Resources/": "resources", f"{HOME}/faxprint.app/Resources/": "host/resources",
+             f"{EDITOR}/Resources/": "editor/resources"}
 NO_RESOURCES = {"CMakeLists.txt", "exports.map", "Info.plist.in"}
 
 
@@ -78,6 +81,7 @@ def resources(sources):
             yield from (installed + os.path.relpath(os.path.join(place, name), top) for name in files
                         if name not in NO_RESOURCES)
     yield f"{BUNDLE}/Resources/Info-gnustep.plist"
+    yield f"{EDITOR}/Resources/Info-gnustep.plist"
 
 
 def places_and_modes(staged, sources):

@@ -47,15 +47,15 @@ class Keyboard(Screen):
     def type(self, text):
         run("xdotool", "type", "--delay", "30", text)
 
-    def front(self):
+    def front_window(self):
         return wait_for("a window with the keyboard", lambda: next((w for w in self.windows() if w["key"]), None))
 
     def wait_front(self, title):
-        wait_for(f'"{title}" in front', lambda: self.front()["title"] == title)
+        wait_for(f'"{title}" in front', lambda: self.front_window()["title"] == title)
 
     def focused(self):
         """The control with the focus: the title it bears, its label's, or its name."""
-        return next((name_of(c) for c in self.front()["controls"] if c["focused"]), None)
+        return next((name_of(c) for c in self.front_window()["controls"] if c["focused"]), None)
 
     def wait_focus(self, name):
         wait_for(f'the focus on "{name}"; it is on "{self.focused()}"', lambda: self.focused() == name, 3)
@@ -91,7 +91,7 @@ class Keyboard(Screen):
         raise TourError(f'Tab does not come to "{name}"')
 
     def find(self, name):
-        return next((c for c in self.front()["controls"] if name_of(c) == name), None)
+        return next((c for c in self.front_window()["controls"] if name_of(c) == name), None)
 
     def rows(self, name):
         return [tuple(row["cells"]) for row in (self.find(name) or {}).get("rows", [])]
@@ -100,10 +100,10 @@ class Keyboard(Screen):
         wait_for(f"{wanted} in {name}", lambda: self.rows(name) == wanted, 5)
 
     def wait_hint(self, text):
-        wait_for(f'the hint "{text}"', lambda: any(c["value"] == text for c in self.front()["controls"]), 5)
+        wait_for(f'the hint "{text}"', lambda: any(c["value"] == text for c in self.front_window()["controls"]), 5)
 
     def wait_value(self, name, value):
-        self.control(self.front()["title"], name, value=value)
+        self.control(self.front_window()["title"], name, value=value)
 
 
 def name_of(control):
@@ -240,7 +240,7 @@ def fill_fax_dialog(screen):
 
 def answer_alert(screen, below):
     """Escape to what stands in front of the window below, once it is there."""
-    wait_for("an alert", lambda: screen.front()["title"] != below)
+    wait_for("an alert", lambda: screen.front_window()["title"] != below)
     screen.picture("alert")
     screen.keys("Escape")
     screen.wait_front(below)
