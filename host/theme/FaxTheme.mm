@@ -33,6 +33,12 @@ fax::Repair<void(NSText *)> end_editing{"NSCell", "endEditing:", [](id self, SEL
 
 @implementation FaxTheme
 
+// That of the theme in the user's defaults: at each change of any default the toolkit replaces a theme with another name.
+- (NSString *)name {
+  NSString *const chosen = [[NSUserDefaults standardUserDefaults] stringForKey:@"GSTheme"];
+  return [chosen length] == 0 ? @"GNUstep" : [[chosen lastPathComponent] stringByDeletingPathExtension];
+}
+
 - (id)initWithBundle:(NSBundle *)bundle {
   if (!(self = [super initWithBundle:bundle])) return nil;
   for (NSString *change : {NSWindowDidBecomeKeyNotification, NSWindowDidResignKeyNotification}) {
@@ -54,10 +60,6 @@ fax::Repair<void(NSText *)> end_editing{"NSCell", "endEditing:", [](id self, SEL
 - (void)keyWindowChanged:(NSNotification *)notification {
   id const first = [static_cast<NSWindow *>([notification object]) firstResponder];
   if ([first isKindOfClass:[NSView class]]) refresh_focus(first);
-}
-
-- (NSString *)name {
-  return @"DirectFax";
 }
 
 // Not the program's own: the toolkit would take defaults for every program from it.

@@ -22,6 +22,7 @@ from address_books import FAX_DIALOG, SCRIPTS  # noqa: E402
 from fax import CHOICES  # noqa: E402
 from screen import Screen, TourError, differences, run, wait_for  # noqa: E402
 
+PAGE = "the page"
 MAP_PERIOD = 0.2  # seconds; the dialog writes its map ten times a second
 BOOK_DIALOG = "Address Book"
 SENDER = "Henry Marsh"
@@ -29,7 +30,8 @@ KEPT = ("Anna Adler", "0301-1")
 EDITED = ("Bert Busch", "0302#22")
 CHOSEN = ("Person 07", "0300007")
 PRINT_RING = ["Printer", "Destination", "Copies", "Options", "Image Quality", "Transmission Report", "Cover Page",
-              "Sender", "Sender Name", "Open Address Book Editor...", "Restore Defaults", "Help", "Cancel", "Print"]
+              "Sender", "Sender Name", "Open Address Book Editor...", "Restore Defaults", PAGE, "Page 1 of 1",
+              "Page 1 of 1", "documentPopUp", "Add Document\u2026", "Help", "Cancel", "Print"]
 FAX_RING = ["Name", "Fax Number", "destinationTable", "From Address Book...", "From Printer...", "Address Book File",
             "Access Code", "Send at a later time", "Help", "Cancel", "Start"]
 BOOK_RING = ["Search", "pcTable", "destinationTable", "Delete", "Help", "Cancel", "OK"]
@@ -64,10 +66,24 @@ class Keyboard(Screen):
         """The names that key goes through from first on, which is taken in; as many as count."""
         names = [first]
         for _ in range(count - 1):
-            before = self.focused()
+            before = self.focus()
             self.keys(key)
-            names.append(wait_for(f"{key} to leave {before}", lambda: self.focused() != before and self.focused()))
+            names.append(self.name_after(before, key))
         return names
+
+    def focus(self):
+        return next((c for c in self.front_window()["controls"] if c["focused"]), None)
+
+    def name_after(self, before, key):
+        """Where the key takes the focus from the control before. The picture of a page is no control: PAGE."""
+        end = time.monotonic() + 1
+        while time.monotonic() < end:
+            now = self.focus()
+            if now and (not before or now["frame"] != before["frame"]):
+                return name_of(now)
+            time.sleep(0.05)
+        wait_for(f"{key} to leave {before}", lambda: before and not self.focus())
+        return PAGE
 
     def check_ring(self, wanted):
         """Tab goes through the names in this order and round again, Shift and Tab back."""
