@@ -15,19 +15,17 @@ Needs a display and application folders of its own (script/headless gives both),
 xdotool and import; slapd and openssl.
 """
 
-import argparse
 import contextlib
 import json
 import os
 import shutil
 import subprocess
 import sys
-import tempfile
 
 from address_books import SCRIPTS, BookFile, PrinterBook
 from editor import Editor
 from fax import expected_ticket, send_one_fax
-from screen import Screen, TourError, differences, run, wait_for
+from screen import Screen, TourError, differences, run, run_tour, wait_for
 
 
 def start_cups(services, arguments, work):
@@ -106,24 +104,5 @@ def tour(arguments, work):
     print(f"The ticket and the document are what was entered; {screen.taken} pictures in {arguments.pictures}")
 
 
-def main():
-    parser = argparse.ArgumentParser(prog="script/tour", description="One whole fax through the real windows.")
-    parser.add_argument("--build", required=True, help="folder of the build")
-    parser.add_argument("pictures", metavar="DIR", help="where the pictures go")
-    parser.add_argument("file", metavar="FILE", help="the document, a PDF")
-    arguments = parser.parse_args()
-    os.makedirs(arguments.pictures, exist_ok=True)
-    work = tempfile.mkdtemp()
-    os.chmod(work, 0o711)
-    try:
-        tour(arguments, work)
-    except (TourError, subprocess.TimeoutExpired) as error:
-        print(f"script/tour: {error}", file=sys.stderr)
-        return 1
-    finally:
-        shutil.rmtree(work, ignore_errors=True)
-    return 0
-
-
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(run_tour("script/tour", "One whole fax through the real windows.", tour))

@@ -1,8 +1,12 @@
 """The windows of the print dialog as its map of the screen tells them, and the mouse and keys of the X server."""
 
+import argparse
 import json
 import os
+import shutil
 import subprocess
+import sys
+import tempfile
 import time
 
 ALERT = "Alert"
@@ -240,3 +244,24 @@ class Screen:
         time.sleep(0.3)  # drawn
         self.taken += 1
         run("import", "-silent", "-window", window, *part, os.path.join(self.pictures, f"{self.taken:02d}-{name}.png"))
+
+
+def run_tour(program, description, tour):
+    """The command line of a tour: tour(arguments, work) with arguments.build, .pictures and .file, and a folder that
+    goes with it. The exit code."""
+    parser = argparse.ArgumentParser(prog=program, description=description)
+    parser.add_argument("--build", required=True, help="folder of the build")
+    parser.add_argument("pictures", metavar="DIR", help="where the pictures go")
+    parser.add_argument("file", metavar="FILE", help="the document, a PDF")
+    arguments = parser.parse_args()
+    os.makedirs(arguments.pictures, exist_ok=True)
+    work = tempfile.mkdtemp()
+    os.chmod(work, 0o711)
+    try:
+        tour(arguments, work)
+    except (TourError, subprocess.TimeoutExpired) as error:
+        print(f"{program}: {error}", file=sys.stderr)
+        return 1
+    finally:
+        shutil.rmtree(work, ignore_errors=True)
+    return 0

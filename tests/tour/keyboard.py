@@ -7,20 +7,17 @@ Starts a private CUPS, makes an address book, starts the print dialog on FILE, a
 Return and Escape. The pictures go to DIR. Exit code 0 only when the ticket of the driver's filter is what was entered.
 """
 
-import argparse
 import json
 import os
-import shutil
 import subprocess
 import sys
-import tempfile
 import time
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "script", "tour"))
 sys.dont_write_bytecode = True
 from address_books import FAX_DIALOG, SCRIPTS  # noqa: E402
 from fax import CHOICES  # noqa: E402
-from screen import Screen, TourError, differences, run, wait_for  # noqa: E402
+from screen import Screen, TourError, differences, run, run_tour, wait_for  # noqa: E402
 
 PAGE = "the page"
 MAP_PERIOD = 0.2  # seconds; the dialog writes its map ten times a second
@@ -334,24 +331,5 @@ def work_through(arguments, work):
         run(private_cups, "stop", cups)
 
 
-def main():
-    parser = argparse.ArgumentParser(description="One whole fax by keys alone.")
-    parser.add_argument("--build", required=True, help="folder of the build")
-    parser.add_argument("pictures", metavar="DIR", help="where the pictures go")
-    parser.add_argument("file", metavar="FILE", help="the document, a PDF")
-    arguments = parser.parse_args()
-    os.makedirs(arguments.pictures, exist_ok=True)
-    work = tempfile.mkdtemp()
-    os.chmod(work, 0o711)
-    try:
-        work_through(arguments, work)
-    except (TourError, subprocess.TimeoutExpired) as error:
-        print(f"keyboard.py: {error}", file=sys.stderr)
-        return 1
-    finally:
-        shutil.rmtree(work, ignore_errors=True)
-    return 0
-
-
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(run_tour("keyboard.py", "One whole fax by keys alone.", work_through))
