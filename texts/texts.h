@@ -20,7 +20,8 @@ namespace fax {
 constexpr char const *mark(char const *english) { return english; }
 
 // Makes the user's choice of a language (see platform/languages.h) the program's own. Call it first in main(), before
-// there is a thread: it sets LANGUAGE and the locale's LC_CTYPE and LC_MESSAGES. catalogues are folders that may hold
+// there is a thread: it sets LANGUAGE, LC_MESSAGES and the locale's LC_CTYPE and LC_MESSAGES, so that what the C library
+// and CUPS say is in that language too, as far as they know it. catalogues are folders that may hold
 // LOCALE/LC_MESSAGES/directfax.mo; the first that exists is used. Without any the program speaks English.
 void speak(std::vector<std::string> const &catalogues);
 

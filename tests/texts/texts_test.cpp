@@ -5,6 +5,7 @@
 
 #include <cstdlib>
 #include <string>
+#include <thread>
 
 namespace {
 
@@ -26,6 +27,13 @@ TEST_F(Texts, ComeFromTheCatalogueThoughTheLocaleIsNotInstalled) {
   EXPECT_EQ(tr("Page {0} of {1}", 3, "many"), "Von many Seiten die 3.");
   EXPECT_EQ(tr_n("{0} entry", "{0} entries", 1, 1), "1 Eintrag");
   EXPECT_EQ(tr_n("{0} entry", "{0} entries", 12, 12), "12 Einträge");
+}
+
+// Threads begin with the program's own locale, in which the C library may translate nothing.
+TEST_F(Texts, ComeOnEveryThread) {
+  std::string said;
+  std::thread([&] { said = tr("Print"); }).join();
+  EXPECT_EQ(said, "Drücken");
 }
 
 TEST_F(Texts, ABrokenTranslationIsPutAside) {
