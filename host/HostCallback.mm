@@ -1,6 +1,6 @@
 #import "host/HostCallback.h"
 
-#import "host/text.h"
+#import "toolkit/text.h"
 
 @implementation HostCallback
 
@@ -51,11 +51,11 @@
 
 - (BOOL)willChangePPDOptionKeyValue:(NSString *)keyword ppdChoice:(NSString *)choice {
   if (!_owner || !*_ppd || !keyword || !choice) return NO;
-  auto const result = (*_ppd)->mark(fax::host::utf8(keyword), fax::host::utf8(choice));
+  auto const result = (*_ppd)->mark(fax::toolkit::utf8(keyword), fax::toolkit::utf8(choice));
   if (result) {
     [_owner callback:self didMark:keyword];
   } else {
-    [_owner callback:self didRefuse:keyword reason:fax::host::ns(result.reason)];
+    [_owner callback:self didRefuse:keyword reason:fax::toolkit::ns(result.reason)];
   }
   return result.accepted;
 }

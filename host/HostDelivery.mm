@@ -7,9 +7,10 @@
 #include "host/output.h"
 
 #import "host/HostProgress.h"
-#import "host/text.h"
+#import "toolkit/text.h"
 
 using namespace fax::host;
+using namespace fax::toolkit;
 
 @implementation HostDelivery
 
@@ -52,10 +53,9 @@ using namespace fax::host;
     number = result.value();
     return std::nullopt;
   };
-  NSString *const queue = ns(job.queue);
-  NSString *const what = HostFormat(@"Handing \"%@\" to the queue %@.", ns(_request->document.title()), queue);
+  NSString *const what = ns(tr("Handing \"{0}\" to the queue {1}.", _request->document.title(), job.queue));
   if (![self run:what work:work]) return 0;
-  NSString *const text = HostFormat(@"Job %d was handed to the queue %@.", number, queue);
+  NSString *const text = ns(tr("Job {0} was handed to the queue {1}.", number, job.queue));
   std::printf("%s\n", [text UTF8String]);
   std::fflush(stdout);
   [_window setStatus:text];
@@ -71,14 +71,14 @@ using namespace fax::host;
   std::string const target = utf8(path);
   Document const &document = _request->document;
   auto const work = [&](ProgressCall const &progress) { return write_output(document, target, progress); };
-  return [self run:HostFormat(@"Writing %@.", path) work:work];
+  return [self run:ns(tr("Writing {0}.", target)) work:work];
 }
 
 - (BOOL)openPreview {
   Document const &document = _request->document;
   auto const work = [&](ProgressCall const &progress) { return open_preview(document, progress); };
-  if (![self run:HostText(@"Opening the preview.") work:work]) return NO;
-  [_window setStatus:HostText(@"The preview was opened in another window.")];
+  if (![self run:ns(tr("Opening the preview.")) work:work]) return NO;
+  [_window setStatus:ns(tr("The preview was opened in another window."))];
   return YES;
 }
 

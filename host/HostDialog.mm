@@ -14,9 +14,10 @@
 
 #import "host/HostExtension.h"
 #import "host/controls.h"
-#import "host/text.h"
+#import "toolkit/text.h"
 
 using namespace fax::host;
+using namespace fax::toolkit;
 using Clock = std::chrono::steady_clock;
 
 struct HostDialogState {
@@ -79,7 +80,7 @@ std::string first_title(DialogRequest const &request) {
   _owner = owner;
   _alerts = [(id)alerts retain];
   _extensions = [NSMutableDictionary new];
-  _window = [[HostDialogWindow alloc] initWithTitle:HostFormat(@"Print \"%@\"", ns(first_title(request)))
+  _window = [[HostDialogWindow alloc] initWithTitle:ns(tr("Print \"{0}\"", first_title(request)))
                                              copies:request.command_line.copies
                                              target:self];
   _help = [HostHelpWindow new];
@@ -141,14 +142,14 @@ std::string first_title(DialogRequest const &request) {
   NSMutableArray *titles = [NSMutableArray array];
   for (std::size_t at = 0; at < request.queues.size(); ++at) {
     Queue const &queue = request.queues[at];
-    NSString *const name = ns(queue.display_name());
-    [titles addObject:queue.fax_capable ? HostFormat(@"%@ (fax)", name) : name];
+    std::string const &name = queue.display_name();
+    [titles addObject:ns(queue.fax_capable ? tr("{0} (fax)", name) : name)];
     if (queue.name == request.queue.name) _state->queue = at;
   }
   fill_pop_up([_window printerPopUp], titles);
   [[_window printerPopUp] selectItemAtIndex:static_cast<NSInteger>(_state->queue)];
-  fill_pop_up([_window destinationPopUp], [NSArray arrayWithObjects:HostText(@"Printer"), HostText(@"Save as File…"),
-                                                                    HostText(@"Preview"), nil]);
+  fill_pop_up([_window destinationPopUp], [NSArray arrayWithObjects:ns(tr("Printer")), ns(tr("Save as File…")),
+                                                                    ns(tr("Preview")), nil]);
   [[_window destinationPopUp] selectItemAtIndex:static_cast<NSInteger>(request.command_line.destination)];
 }
 
@@ -189,10 +190,10 @@ std::string first_title(DialogRequest const &request) {
   if (_state->ready) {
     [self makePanels];
   } else {
-    [_panels showNotice:HostText(@"The options come as soon as the search is over.")];
+    [_panels showNotice:ns(tr("The options come as soon as the search is over."))];
   }
   if (![self queue].accepts_jobs) {
-    [_window setStatus:HostFormat(@"The queue %@ does not accept jobs now.", ns([self queue].name))];
+    [_window setStatus:ns(tr("The queue {0} does not accept jobs now.", [self queue].name))];
   }
 }
 
@@ -323,13 +324,13 @@ std::string first_title(DialogRequest const &request) {
 }
 
 - (SummarySection)dialogSummary {
-  SummarySection own{utf8(HostText(@"Print Job")), {}};
-  own.rows.push_back({utf8(HostText(@"Printer")), utf8([[_window printerPopUp] titleOfSelectedItem])});
-  own.rows.push_back({utf8(HostText(@"Destination")), utf8([[_window destinationPopUp] titleOfSelectedItem])});
+  SummarySection own{tr("Print Job"), {}};
+  own.rows.push_back({tr("Printer"), utf8([[_window printerPopUp] titleOfSelectedItem])});
+  own.rows.push_back({tr("Destination"), utf8([[_window destinationPopUp] titleOfSelectedItem])});
   int const copies = [_window copies];
-  own.rows.push_back({utf8(HostText(@"Copies")), copies > 0 ? std::to_string(copies) : ""});
-  own.rows.push_back({utf8(HostText(@"Document")), utf8([_preview title])});
-  own.rows.push_back({utf8(HostText(@"Pages")), utf8([_preview pagesSummary])});
+  own.rows.push_back({tr("Copies"), copies > 0 ? std::to_string(copies) : ""});
+  own.rows.push_back({tr("Document"), utf8([_preview title])});
+  own.rows.push_back({tr("Pages"), utf8([_preview pagesSummary])});
   return own;
 }
 
@@ -354,8 +355,8 @@ std::string first_title(DialogRequest const &request) {
   if (panel && ![panel shouldShowHelp]) return;
   NSString *page = [[NSBundle mainBundle] pathForResource:@"PrintDialog" ofType:@"html"];
   if (!page || ![_help showPage:page anchor:nil]) {
-    [_alerts tell:HostText(@"The help of the print dialog cannot be opened.")
-           advice:HostText(@"Install the program again.")];
+    [_alerts tell:ns(tr("The help of the print dialog cannot be opened."))
+           advice:ns(tr("Install the program again."))];
   }
 }
 

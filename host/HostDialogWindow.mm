@@ -5,9 +5,10 @@
 #include <iterator>
 
 #import "host/controls.h"
-#import "host/text.h"
+#import "toolkit/text.h"
 
 using namespace fax::host;
+using namespace fax::toolkit;
 
 static NSSize const kSmallest = {560, 492};
 static CGFloat const kTextRow = 18;
@@ -86,27 +87,27 @@ static CGFloat const kNarrowGap = 3;  // between a control and the line that bel
 }
 
 - (void)makeControls {
-  printerLabel = make_label(HostText(@"Printer:"), NSRightTextAlignment);
+  printerLabel = make_label(ns(tr("Printer:")), NSRightTextAlignment);
   printerPopUp = make_pop_up(_target, @selector(choosePrinter:));
   printerStatus = make_label(@"", NSLeftTextAlignment);
-  destinationLabel = make_label(HostText(@"Destination:"), NSRightTextAlignment);
+  destinationLabel = make_label(ns(tr("Destination:")), NSRightTextAlignment);
   destinationPopUp = make_pop_up(_target, @selector(chooseDestination:));
-  panelLabel = make_label(HostText(@"Options:"), NSRightTextAlignment);
+  panelLabel = make_label(ns(tr("Options:")), NSRightTextAlignment);
   panelPopUp = make_pop_up(_target, @selector(choosePanel:));
   panelArea = [[[NSBox alloc] initWithFrame:NSMakeRect(0, 0, 100, 100)] autorelease];
   [panelArea setTitlePosition:NSNoTitle];
   [panelArea setBorderType:NSLineBorder];
   [panelArea setContentViewMargins:NSMakeSize(kGap, kGap)];
   statusLine = make_label(@"", NSLeftTextAlignment);
-  helpButton = make_button(HostText(@"Help"), _target, @selector(help:));
-  cancelButton = make_button(HostText(@"Cancel"), _target, @selector(cancel:));
-  printButton = make_button(HostText(@"Print"), self, @selector(printPressed:));
+  helpButton = make_button(ns(tr("Help")), _target, @selector(help:));
+  cancelButton = make_button(ns(tr("Cancel")), _target, @selector(cancel:));
+  printButton = make_button(ns(tr("Print")), self, @selector(printPressed:));
   [cancelButton setKeyEquivalent:@"\e"];
   [printButton setKeyEquivalent:@"\r"];
 }
 
 - (void)makeCopies:(int)copies {
-  copiesLabel = make_label(HostText(@"Copies:"), NSRightTextAlignment);
+  copiesLabel = make_label(ns(tr("Copies:")), NSRightTextAlignment);
   copiesField = [[[NSTextField alloc] initWithFrame:NSMakeRect(0, 0, 60, kRow)] autorelease];
   [copiesField setFont:[NSFont systemFontOfSize:0]];
   [copiesField setAlignment:NSRightTextAlignment];
@@ -143,7 +144,7 @@ static CGFloat const kNarrowGap = 3;  // between a control and the line that bel
   CGFloat labelWidth = 0;
   NSTextField *const labels[] = {printerLabel, destinationLabel, copiesLabel, panelLabel};
   NSView *const controls[] = {printerPopUp, destinationPopUp, copiesField, panelPopUp};
-  for (NSTextField *label : labels) labelWidth = std::max(labelWidth, roomy_width([label stringValue]));
+  for (NSTextField *label : labels) labelWidth = std::max(labelWidth, text_width([label stringValue]) + 8);
   CGFloat const left = kMargin + labelWidth + kGap;
   CGFloat const width = [self room].width - left - kMargin;
   CGFloat y = kMargin;
@@ -260,7 +261,7 @@ static CGFloat const kNarrowGap = 3;  // between a control and the line that bel
 }
 
 - (void)sayCopiesAreWrong {
-  [self setStatus:HostText(@"Copies must be a number from 1 to 9999.")];
+  [self setStatus:ns(tr("Copies must be a number from 1 to 9999."))];
 }
 
 - (void)refuseCopies {

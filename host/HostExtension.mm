@@ -1,7 +1,9 @@
 #import "host/HostExtension.h"
 
 #import "host/fence.h"
-#import "host/text.h"
+#import "toolkit/text.h"
+
+using namespace fax::toolkit;
 
 static NSString *const kPanelType = @"BDB091F4-E57F-11D3-B5CC-0050E4603277";
 
@@ -42,22 +44,22 @@ static NSString *const kPanelType = @"BDB091F4-E57F-11D3-B5CC-0050E4603277";
 
 - (void)load {
   NSString *const path = _path;
-  NSString *const name = [path lastPathComponent];
+  std::string const name = utf8([path lastPathComponent]);
   id usable = nil;
   NSException *raised = fax::host::fenced([&] {
     NSBundle *bundle = [NSBundle bundleWithPath:path];
     if (!bundle) {
-      [self setProblem:HostFormat(@"There is no print dialog extension at \"%@\".", path)];
+      [self setProblem:ns(tr("There is no print dialog extension at \"{0}\".", utf8(path)))];
       return;
     }
     if (![bundle load]) {
-      [self setProblem:HostFormat(@"The print dialog extension \"%@\" cannot be loaded.", name)];
+      [self setProblem:ns(tr("The print dialog extension \"{0}\" cannot be loaded.", name))];
       return;
     }
     Class factory = [bundle principalClass];
     if (!factory || ![factory instancesRespondToSelector:@selector(initWithBundle:)] ||
         ![factory instancesRespondToSelector:@selector(PDEPanelsForType:withHostInfo:)]) {
-      [self setProblem:HostFormat(@"\"%@\" is no print dialog extension: it has no factory.", name)];
+      [self setProblem:ns(tr("\"{0}\" is no print dialog extension: it has no factory.", name))];
       return;
     }
     // The factory's own initWithBundle: answers whether it is usable, not the object.
@@ -66,14 +68,14 @@ static NSString *const kPanelType = @"BDB091F4-E57F-11D3-B5CC-0050E4603277";
       usable = (id)made;
     } else {
       [(id)made release];
-      [self setProblem:HostFormat(@"The print dialog extension \"%@\" refused to start.", name)];
+      [self setProblem:ns(tr("The print dialog extension \"{0}\" refused to start.", name))];
     }
   });
   _factory = usable;
   if (raised) {
-    NSLog(@"%@ raised %@: %@", name, [raised name], [raised reason]);
-    [self setProblem:HostFormat(@"The print dialog extension \"%@\" failed while it was started: %@", name,
-                                [raised reason])];
+    NSLog(@"%s raised %@: %@", name.c_str(), [raised name], [raised reason]);
+    [self setProblem:ns(tr("The print dialog extension \"{0}\" failed while it was started: {1}", name,
+                            utf8([raised reason])))];
   }
 }
 
@@ -90,14 +92,14 @@ static NSString *const kPanelType = @"BDB091F4-E57F-11D3-B5CC-0050E4603277";
       [panel release];
     }
   });
-  NSString *const name = [_path lastPathComponent];
+  std::string const name = utf8([_path lastPathComponent]);
   if (raised) {
-    NSLog(@"%@ raised %@: %@", name, [raised name], [raised reason]);
-    [self setProblem:HostFormat(@"The print dialog extension \"%@\" failed to make its panels: %@", name,
-                                [raised reason])];
+    NSLog(@"%s raised %@: %@", name.c_str(), [raised name], [raised reason]);
+    [self setProblem:ns(tr("The print dialog extension \"{0}\" failed to make its panels: {1}", name,
+                            utf8([raised reason])))];
     [panels removeAllObjects];
   } else {
-    [self setProblem:[panels count] ? nil : HostFormat(@"The print dialog extension \"%@\" has no panel.", name)];
+    [self setProblem:[panels count] ? nil : ns(tr("The print dialog extension \"{0}\" has no panel.", name))];
   }
   return panels;
 }

@@ -3,9 +3,10 @@
 #include <algorithm>
 
 #import "host/controls.h"
-#import "host/text.h"
+#import "toolkit/text.h"
 
 using namespace fax::host;
+using namespace fax::toolkit;
 
 @implementation HostFeatures
 
@@ -70,7 +71,7 @@ using namespace fax::host;
   CGFloat labelWidth = 0;
   for (auto const &group : groups) {
     for (auto const &feature : group.features) {
-      labelWidth = std::max(labelWidth, roomy_width([ns(feature.text) stringByAppendingString:@":"]));
+      labelWidth = std::max(labelWidth, text_width([ns(feature.text) stringByAppendingString:@":"]) + 8);
     }
   }
   labelWidth = std::min(labelWidth, std::floor(room.width * 0.5));
@@ -90,7 +91,7 @@ using namespace fax::host;
     }
   }
   if (groups.empty()) {
-    NSTextField *none = make_label(HostText(@"This printer has no further features."), NSCenterTextAlignment);
+    NSTextField *none = make_label(ns(tr("This printer has no further features.")), NSCenterTextAlignment);
     [none setFrame:NSMakeRect(0, kMargin, room.width, 18)];
     [none setAutoresizingMask:NSViewWidthSizable];
     [rows addSubview:none];

@@ -12,9 +12,10 @@
 
 #import "host/controls.h"
 #import "host/help_text.h"
-#import "host/text.h"
+#import "toolkit/text.h"
 
 using namespace fax::host;
+using namespace fax::toolkit;
 
 struct HostHelpState {
   HelpHistory history;
@@ -117,9 +118,9 @@ static Boolean ShowForAppleHelp(CFURLRef page, CFStringRef anchor, void *context
                                                     NSUnderlineStyleAttributeName, nil]];
   [textView setDelegate:(id)self];
   [scroller setDocumentView:textView];
-  backButton = make_button(HostText(@"Back"), self, @selector(goBack:));
-  forwardButton = make_button(HostText(@"Forward"), self, @selector(goForward:));
-  closeButton = make_button(HostText(@"Close"), panel, @selector(performClose:));
+  backButton = make_button(ns(tr("Back")), self, @selector(goBack:));
+  forwardButton = make_button(ns(tr("Forward")), self, @selector(goForward:));
+  closeButton = make_button(ns(tr("Close")), panel, @selector(performClose:));
   [backButton setFrameOrigin:NSMakePoint(kMargin, kMargin)];
   [forwardButton setFrameOrigin:NSMakePoint(NSMaxX([backButton frame]) + kGap, kMargin)];
   [closeButton setFrameOrigin:NSMakePoint(frame.size.width - kMargin - [closeButton frame].size.width, kMargin)];
@@ -145,7 +146,7 @@ static Boolean ShowForAppleHelp(CFURLRef page, CFStringRef anchor, void *context
   HelpText const text = render_help(*page, place.path, width);
   [[textView textStorage] setAttributedString:text.text];
   _state->anchors = text.anchors;
-  [panel setTitle:page->title.empty() ? HostText(@"Help") : ns(page->title)];
+  [panel setTitle:page->title.empty() ? ns(tr("Help")) : ns(page->title)];
   [self scrollTo:place.anchor];
   return YES;
 }

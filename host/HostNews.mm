@@ -4,7 +4,7 @@
 #include <set>
 #include <vector>
 
-#import "host/text.h"
+#import "toolkit/text.h"
 
 struct HostNewsState {
   std::vector<std::string> unsaid;
@@ -53,7 +53,7 @@ struct HostNewsState {
   while (!_state->unsaid.empty()) {
     std::string const sentence = _state->unsaid.front();
     _state->unsaid.erase(_state->unsaid.begin());
-    [_alerts tell:fax::host::ns(sentence) advice:@""];
+    [_alerts tell:fax::toolkit::ns(sentence) advice:@""];
   }
   _state->telling = false;
 }

@@ -5,6 +5,7 @@
 #import "host/controls.h"
 
 using namespace fax::host;
+using namespace fax::toolkit;
 using Clock = std::chrono::steady_clock;
 
 struct HostOverlayTimes {

@@ -6,9 +6,10 @@
 #include <cstring>
 
 #import "host/controls.h"
-#import "host/text.h"
+#import "toolkit/text.h"
 
 using namespace fax::host;
+using namespace fax::toolkit;
 
 static CGFloat const kBorder = 4;  // between the view's edge and the page
 static CGFloat const kTextRow = 18;
@@ -106,7 +107,7 @@ static CGFloat const kTextRow = 18;
     if (_left) {
       [[NSColor colorWithCalibratedWhite:1 alpha:0.75] set];
       NSRectFillUsingOperation(page, NSCompositeSourceOver);
-      [self drawText:HostText(@"Not sent") color:[NSColor blackColor]];
+      [self drawText:ns(tr("Not sent")) color:[NSColor blackColor]];
     }
     [[NSColor controlShadowColor] set];
     NSFrameRect(NSInsetRect(page, -1, -1));

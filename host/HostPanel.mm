@@ -1,9 +1,9 @@
 #import "host/HostPanel.h"
 
 #import "host/fence.h"
-#import "host/text.h"
+#import "toolkit/text.h"
 
-using fax::host::utf8;
+using namespace fax::toolkit;
 
 // Runs work if the panel implements the operation. YES when it ran to its end.
 template <typename Work>
@@ -14,8 +14,8 @@ static BOOL Asked(HostPanel *self, id panel, id<HostPanelOwner> owner, SEL opera
   if (!raised) return YES;
   NSLog(@"%@ raised %@: %@", NSStringFromSelector(operation), [raised name], [raised reason]);
   [owner panel:self
-      didRaise:HostFormat(@"The print dialog extension failed in %@: %@", NSStringFromSelector(operation),
-                          [raised reason])];
+      didRaise:ns(tr("The print dialog extension failed in {0}: {1}", utf8(NSStringFromSelector(operation)),
+                      utf8([raised reason])))];
   return NO;
 }
 
@@ -48,7 +48,7 @@ static BOOL Asked(HostPanel *self, id panel, id<HostPanelOwner> owner, SEL opera
   if (_name) return _name;
   NSString *name = nil;
   Asked(self, _panel, _owner, @selector(panelName), [&](id<PDEPanel> panel) { name = [panel panelName]; });
-  if (![name isKindOfClass:[NSString class]] || [name length] == 0) name = HostText(@"Extension");
+  if (![name isKindOfClass:[NSString class]] || [name length] == 0) name = ns(tr("Extension"));
   _name = [name copy];
   return _name;
 }

@@ -5,9 +5,10 @@
 
 #import "host/HostScreenMap.h"
 #import "host/controls.h"
-#import "host/text.h"
+#import "toolkit/text.h"
 
 using namespace fax::host;
+using namespace fax::toolkit;
 
 @interface HostPanels ()
 - (HostPanel *)panelAt:(NSInteger)item;
@@ -18,7 +19,7 @@ using namespace fax::host;
 
 // A view that says one sentence.
 static NSView *NoticeView(NSString *text) {
-  CGFloat const width = roomy_width(text);
+  CGFloat const width = text_width(text) + 8;
   NSView *view = [[[NSView alloc] initWithFrame:NSMakeRect(0, 0, width, 60)] autorelease];
   NSTextField *label = make_label(text, NSCenterTextAlignment);
   [label setFrame:NSMakeRect(0, 30, width, 18)];
@@ -74,8 +75,8 @@ static NSView *NoticeView(NSString *text) {
   [_features showPPD:ppd except:taken];
   NSMutableArray *titles = [NSMutableArray array];
   for (NSUInteger at = 0; at < [_panels count]; ++at) [titles addObject:[[_panels objectAtIndex:at] name]];
-  [titles addObject:HostText(@"Printer Features")];
-  [titles addObject:HostText(@"Summary")];
+  [titles addObject:ns(tr("Printer Features"))];
+  [titles addObject:ns(tr("Summary"))];
   fill_pop_up([_window panelPopUp], titles);
   if (featuresFirst) [[_window panelPopUp] selectItemAtIndex:static_cast<NSInteger>([_panels count])];
 }
@@ -112,7 +113,7 @@ static NSView *NoticeView(NSString *text) {
   NSView *view = nil;
   if (panel) {
     view = [panel view];
-    if (!view) view = NoticeView(HostText(@"This panel has nothing to show."));
+    if (!view) view = NoticeView(ns(tr("This panel has nothing to show.")));
     [self restore:panel];
     [panel willShow];
   } else if (item == static_cast<NSInteger>([_panels count])) {
@@ -142,7 +143,7 @@ static NSView *NoticeView(NSString *text) {
   if (!panel) return YES;
   [[_window window] makeFirstResponder:nil];
   if (![panel shouldHide]) {
-    [_window setStatus:HostFormat(@"\"%@\" has to stay open for now.", [panel name])];
+    [_window setStatus:ns(tr("\"{0}\" has to stay open for now.", utf8([panel name])))];
     return NO;
   }
   return [self save:panel];
@@ -153,7 +154,7 @@ static NSView *NoticeView(NSString *text) {
 - (void)restore:(HostPanel *)panel {
   NSString *message = nil;
   if ([panel restore:&message]) return;
-  [_window setStatus:message ? message : HostFormat(@"\"%@\" could not read its settings.", [panel name])];
+  [_window setStatus:message ? message : ns(tr("\"{0}\" could not read its settings.", utf8([panel name])))];
 }
 
 - (void)restoreIfDue {
@@ -180,12 +181,12 @@ static NSView *NoticeView(NSString *text) {
     if ([[field stringValue] isEqual:[before objectAtIndex:at]]) continue;
     NSString *const label = HostLabelOf(field, view);
     if (!message && [label length]) {
-      message = HostFormat(@"The value of \"%@\" was not accepted and is as it was before.", label);
+      message = ns(tr("The value of \"{0}\" was not accepted and is as it was before.", utf8(label)));
     }
     [[_window window] makeFirstResponder:field];
     break;
   }
-  [_window setStatus:message ? message : HostFormat(@"\"%@\" holds a value that is not accepted.", [panel name])];
+  [_window setStatus:message ? message : ns(tr("\"{0}\" holds a value that is not accepted.", utf8([panel name])))];
   return NO;
 }
 

@@ -10,14 +10,14 @@
 
 #import "host/HostProgress.h"
 #import "host/controls.h"
-#import "host/text.h"
+#import "toolkit/text.h"
 
 using namespace fax::host;
+using namespace fax::toolkit;
 
 static CGFloat const kWidth = 222;      // of the pane: a page of A4 as high as the window is at least
 static CGFloat const kTextRow = 18;
 static CGFloat const kSmallButton = 32;
-static CGFloat const kRangePopUp = 116;
 static NSTimeInterval const kPatience = 0.15;  // so long the last page stays while the next one is drawn
 static NSTimeInterval const kSettled = 0.2;    // after so long without a change the window's size is the one meant
 
@@ -42,7 +42,7 @@ namespace {
 
 Result<Document> prepared(PrintPlan &plan, HostPreviewState const &state) {
   std::optional<Result<Document>> outgoing;
-  run_with_progress(HostText(@"Preparing the pages."), [&](ProgressCall const &progress) {
+  run_with_progress(ns(tr("Preparing the pages.")), [&](ProgressCall const &progress) {
     outgoing = plan.prepare(state.tool, state.server, [&] { return !progress(0, 0); });
   });
   return *outgoing;
@@ -132,21 +132,29 @@ Result<Document> prepared(PrintPlan &plan, HostPreviewState const &state) {
 
 - (void)makeControls {
   pageView = [[[HostPageView alloc] initWithOwner:self] autorelease];
-  previousPageButton = [self small:@"‹" toolTip:HostText(@"Previous page") action:@selector(previousPage:)];
-  nextPageButton = [self small:@"›" toolTip:HostText(@"Next page") action:@selector(nextPage:)];
+  previousPageButton = [self small:@"‹" toolTip:ns(tr("Previous page")) action:@selector(previousPage:)];
+  nextPageButton = [self small:@"›" toolTip:ns(tr("Next page")) action:@selector(nextPage:)];
   pageLabel = make_label(@"", NSCenterTextAlignment);
   rangePopUp = make_pop_up(self, @selector(chooseRange:));
-  fill_pop_up(rangePopUp, [NSArray arrayWithObjects:HostText(@"All Pages"), HostText(@"Only Pages"), nil]);
+  fill_pop_up(rangePopUp, [NSArray arrayWithObjects:ns(tr("All Pages")), ns(tr("Only Pages")), nil]);
   rangeField = [[[NSTextField alloc] initWithFrame:NSMakeRect(0, 0, 60, kRow)] autorelease];
   [rangeField setFont:[NSFont systemFontOfSize:0]];
   [rangeField setDelegate:(id)self];
-  [rangeField setToolTip:HostText(@"Pages to send, such as 1-3,5")];
+  [rangeField setToolTip:ns(tr("Pages to send, such as 1-3,5"))];
   [rangeField setStringValue:ns(_state->plan.range())];
   [rangePopUp selectItemAtIndex:_state->plan.range().empty() ? 0 : 1];
   documentPopUp = make_pop_up(self, @selector(chooseDocument:));
-  removeDocumentButton = [self small:@"−" toolTip:HostText(@"Take this document out of the job")
+  removeDocumentButton = [self small:@"−" toolTip:ns(tr("Take this document out of the job"))
                               action:@selector(removeDocument:)];
-  addDocumentButton = make_button(HostText(@"Add Document…"), self, @selector(addDocument:));
+  addDocumentButton = make_button(ns(tr("Add Document…")), self, @selector(addDocument:));
+}
+
+// As wide as the longer choice; the field beside it keeps room for a short range.
+- (CGFloat)rangeWidth {
+  CGFloat widest = 0;
+  for (NSInteger at = 0; at < [rangePopUp numberOfItems]; ++at)
+    widest = std::max(widest, text_width([rangePopUp itemTitleAtIndex:at]));
+  return std::clamp<CGFloat>(widest + 36, 80, kWidth - 66);
 }
 
 - (void)layOut {
@@ -157,8 +165,9 @@ Result<Document> prepared(PrintPlan &plan, HostPreviewState const &state) {
   [documentPopUp setFrame:NSMakeRect(0, y, size.width - kSmallButton - 4, kRow)];
   [removeDocumentButton setFrameOrigin:NSMakePoint(size.width - kSmallButton, y)];
   y -= kGap + kRow;
-  [rangePopUp setFrame:NSMakeRect(0, y, kRangePopUp, kRow)];
-  [rangeField setFrame:NSMakeRect(kRangePopUp + 6, y, size.width - kRangePopUp - 6, kRow)];
+  CGFloat const range = [self rangeWidth];
+  [rangePopUp setFrame:NSMakeRect(0, y, range, kRow)];
+  [rangeField setFrame:NSMakeRect(range + 6, y, size.width - range - 6, kRow)];
   y -= kGap + kRow;
   [previousPageButton setFrameOrigin:NSMakePoint(0, y)];
   [nextPageButton setFrameOrigin:NSMakePoint(size.width - kSmallButton, y)];
@@ -189,7 +198,7 @@ Result<Document> prepared(PrintPlan &plan, HostPreviewState const &state) {
   auto const &plan = _state->plan;
   int const known = plan.pages().value_or(0);
   if (known == 0) return @"";
-  return HostFormat(@"Page %d of %d", _state->page, known);
+  return ns(tr("Page {0} of {1}", _state->page, known));
 }
 
 - (void)showState {
@@ -203,11 +212,11 @@ Result<Document> prepared(PrintPlan &plan, HostPreviewState const &state) {
     [documentPopUp selectItemAtIndex:static_cast<NSInteger>(spot->document)];
   auto const problem = plan.problem();
   if (problem && !plan.spot(_state->page)) {
-    NSString *const still = HostText(@"It can be printed as it is, if the printer can read it.");
+    NSString *const still = ns(tr("It can be printed as it is, if the printer can read it."));
     NSString *const what = ns(problem->what);
     [pageView showText:plan.documents().size() == 1 ? [NSString stringWithFormat:@"%@\n\n%@", what, still] : what];
   } else if (!_state->drawn && ![pageView showsPicture]) {
-    [pageView showText:HostText(@"Reading the pages…")];
+    [pageView showText:ns(tr("Reading the pages…"))];
   }
 }
 
@@ -226,7 +235,7 @@ Result<Document> prepared(PrintPlan &plan, HostPreviewState const &state) {
   int const all = *_state->plan.pages();
   int const sent = pages_in(chosen.value());
   if (sent == all) return [NSString stringWithFormat:@"%d", all];
-  return HostFormat(@"%d of %d (%@)", sent, all, ns(page_range_text(chosen.value())));
+  return ns(tr("{0} of {1} ({2})", sent, all, page_range_text(chosen.value())));
 }
 
 // The work.
@@ -276,7 +285,7 @@ Result<Document> prepared(PrintPlan &plan, HostPreviewState const &state) {
   if (*answer.picture) {
     [pageView showPicture:answer.picture->value()];
   } else {
-    [pageView showText:HostFormat(@"Page %d cannot be shown. %@", _state->page, ns(answer.picture->failure().what))];
+    [pageView showText:ns(tr("Page {0} cannot be shown. {1}", _state->page, answer.picture->failure().what))];
   }
   [self showState];
 }
@@ -296,7 +305,7 @@ Result<Document> prepared(PrintPlan &plan, HostPreviewState const &state) {
 
 // The picture would be another page than the line below it says.
 - (void)loseOldPage {
-  [pageView showText:HostText(@"Reading the pages…")];
+  [pageView showText:ns(tr("Reading the pages…"))];
 }
 
 - (void)showAnew {
@@ -385,7 +394,7 @@ Result<Document> prepared(PrintPlan &plan, HostPreviewState const &state) {
 - (void)documentsChanged {
   _state->page = std::clamp(_state->page, 1, std::max(1, _state->plan.pages().value_or(_state->page)));
   [self fillDocuments];
-  [[_window window] setTitle:HostFormat(@"Print \"%@\"", [self title])];
+  [[_window window] setTitle:ns(tr("Print \"{0}\"", _state->plan.title()))];
   [self showAnew];
 }
 
@@ -408,7 +417,7 @@ Result<Document> prepared(PrintPlan &plan, HostPreviewState const &state) {
 
 - (void)addDocument:(id)sender {
   NSOpenPanel *panel = [NSOpenPanel openPanel];
-  [panel setTitle:HostText(@"Add Document")];
+  [panel setTitle:ns(tr("Add Document"))];
   [panel setAllowsMultipleSelection:YES];
   [panel setCanChooseDirectories:NO];
   if ([panel runModalForTypes:nil] == NSOKButton) [self addPaths:[panel filenames]];

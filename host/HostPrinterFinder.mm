@@ -7,9 +7,10 @@
 #include "host/core/address_lookup.h"
 #include "host/core/device_place.h"
 
-#import "host/text.h"
+#import "toolkit/text.h"
 
 using namespace fax::host;
+using namespace fax::toolkit;
 using Outcome = LookupAnswer::Outcome;
 
 // What is answered that soon does not have to be waited for with a window that says so.

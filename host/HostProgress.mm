@@ -3,7 +3,10 @@
 #include <chrono>
 
 #import "host/controls.h"
-#import "host/text.h"
+#import "toolkit/text.h"
+
+using namespace fax::host;
+using namespace fax::toolkit;
 
 @interface HostProgress : NSObject {
   NSPanel *_panel;
@@ -22,7 +25,6 @@
 
 - (id)initWithText:(NSString *)what {
   if (!(self = [super init])) return nil;
-  using namespace fax::host;
   CGFloat const width = 380;
   CGFloat const inner = width - 2 * kMargin;
   _panel = [[NSPanel alloc] initWithContentRect:NSMakeRect(0, 0, width, 136)
@@ -30,7 +32,7 @@
                                         backing:NSBackingStoreBuffered
                                           defer:NO];
   [_panel setReleasedWhenClosed:NO];
-  [_panel setTitle:HostText(@"Print")];
+  [_panel setTitle:ns(tr("Print"))];
   NSTextField *label = make_label(fitted(what, inner), NSLeftTextAlignment);
   [label setFrame:NSMakeRect(kMargin, 104, inner, 18)];
   _bar = [[[NSProgressIndicator alloc] initWithFrame:NSMakeRect(kMargin, 80, inner, 16)] autorelease];
@@ -39,7 +41,7 @@
   [_bar setMaxValue:1];
   _amount = make_label(@"", NSLeftTextAlignment);
   [_amount setFrame:NSMakeRect(kMargin, 54, inner, 18)];
-  _cancelButton = make_button(HostText(@"Cancel"), self, @selector(cancel:));
+  _cancelButton = make_button(ns(tr("Cancel")), self, @selector(cancel:));
   [_cancelButton setKeyEquivalent:@"\e"];
   [_cancelButton setFrameOrigin:NSMakePoint(width - kMargin - [_cancelButton frame].size.width, kMargin)];
   NSView *content = [_panel contentView];
@@ -68,14 +70,14 @@
 - (void)cancel:(id)sender {
   _cancelled = YES;
   [_cancelButton setEnabled:NO];
-  [_amount setStringValue:HostText(@"Cancelling…")];
+  [_amount setStringValue:ns(tr("Cancelling…"))];
 }
 
 - (void)showDone:(std::uint64_t)done total:(std::uint64_t)total {
   [_bar setDoubleValue:total ? static_cast<double>(done) / static_cast<double>(total) : 0];
   if (_cancelled || total == 0) return;
   auto const kilobytes = [](std::uint64_t bytes) { return static_cast<int>((bytes + 1023) / 1024); };
-  [_amount setStringValue:HostFormat(@"%d of %d KB", kilobytes(done), kilobytes(total))];
+  [_amount setStringValue:ns(tr("{0} of {1} KB", kilobytes(done), kilobytes(total)))];
 }
 
 @end

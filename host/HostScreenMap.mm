@@ -12,7 +12,9 @@
 
 #import "host/controls.h"
 #import "host/fence.h"
-#import "host/text.h"
+#import "toolkit/text.h"
+
+using namespace fax::toolkit;
 
 namespace fax::host {
 namespace {

@@ -7,9 +7,10 @@
 #include "host/core/desktop_note.h"
 
 #import "host/controls.h"
-#import "host/text.h"
+#import "toolkit/text.h"
 
 using namespace fax::host;
+using namespace fax::toolkit;
 using Order = JobNews::Order;
 
 static CGFloat const kLeastInner = 428;
@@ -41,11 +42,6 @@ struct HostStatusWindowState {
   }
 }
 @end
-
-// In the user's language.
-static NSString *Said(Words const &words) {
-  return ns(Words{utf8(HostText(ns(words.text))), words.parts}.plain());
-}
 
 static NSTextField *Paragraph(void) {
   NSTextField *field = make_label(@"", NSLeftTextAlignment);
@@ -114,13 +110,13 @@ static CGFloat HeightOf(NSTextField *field, CGFloat width) {
   _headline = Paragraph();
   [_headline setFont:[NSFont boldSystemFontOfSize:[NSFont systemFontSize] * 1.4]];
   _details = Paragraph();
-  _cancelButton = make_button(HostText(@"Cancel Job"), self, @selector(cancelJob:));
-  _retryButton = make_button(HostText(@"Retry"), self, @selector(retry:));
-  _closeButton = make_button(HostText(@"OK"), _window, @selector(performClose:));
+  _cancelButton = make_button(ns(tr("Cancel Job")), self, @selector(cancelJob:));
+  _retryButton = make_button(ns(tr("Retry")), self, @selector(retry:));
+  _closeButton = make_button(ns(tr("OK")), _window, @selector(performClose:));
   [_closeButton setKeyEquivalent:@"\r"];
-  [_cancelButton setToolTip:HostText(@"Takes the job out of the queue.")];
-  [_retryButton setToolTip:HostText(@"Sends the same document again with the same settings.")];
-  [_closeButton setToolTip:HostText(@"Closes this window. The job goes on.")];
+  [_cancelButton setToolTip:ns(tr("Takes the job out of the queue."))];
+  [_retryButton setToolTip:ns(tr("Sends the same document again with the same settings."))];
+  [_closeButton setToolTip:ns(tr("Closes this window. The job goes on."))];
   // Three buttons may be wider than the rest in some languages.
   CGFloat buttons = 4 * kGap;
   for (NSButton *button : {_cancelButton, _retryButton, _closeButton}) buttons += [button frame].size.width;
@@ -200,22 +196,22 @@ static CGFloat HeightOf(NSTextField *field, CGFloat width) {
 
 - (NSString *)headline {
   auto const &news = _state->news;
-  if (news.order == Order::cancelling) return HostText(@"Cancelling…");
-  if (news.order == Order::sending_again) return HostText(@"Sending again…");
-  if (!news.trouble.empty()) return HostText(@"The print service does not answer");
-  return Said(news.status.headline);
+  if (news.order == Order::cancelling) return ns(tr("Cancelling…"));
+  if (news.order == Order::sending_again) return ns(tr("Sending again…"));
+  if (!news.trouble.empty()) return ns(tr("The print service does not answer"));
+  return ns(news.status.headline);
 }
 
 - (NSString *)details {
   auto const &news = _state->news;
   NSMutableArray *lines = [NSMutableArray array];
-  if (!news.note.text.empty()) [lines addObject:Said(news.note)];
+  if (!news.note.empty()) [lines addObject:ns(news.note)];
   if (!news.trouble.empty()) {
     [lines addObject:ns(news.trouble)];
-    [lines addObject:HostFormat(@"The last that is known of the job: %@.", Said(news.status.headline))];
-    [lines addObject:HostText(@"It is asked again and again.")];
+    [lines addObject:ns(tr("The last that is known of the job: {0}.", news.status.headline))];
+    [lines addObject:ns(tr("It is asked again and again."))];
   } else {
-    for (auto const &words : news.status.details) [lines addObject:Said(words)];
+    for (auto const &sentence : news.status.details) [lines addObject:ns(sentence)];
   }
   return [lines componentsJoinedByString:@"\n"];
 }
@@ -225,7 +221,7 @@ static CGFloat HeightOf(NSTextField *field, CGFloat width) {
   NSString *const title = ns(_state->title);
   NSString *const details = [self details];
   bool const idle = news.order == Order::none;
-  [_window setTitle:HostFormat(@"Job %d on the queue %@", news.number, ns(_state->queue))];
+  [_window setTitle:ns(tr("Job {0} on the queue {1}", news.number, _state->queue))];
   [_title setStringValue:fitted(title, _inner - kGap)];
   [_title setToolTip:title];
   [_headline setStringValue:[self headline]];
@@ -244,9 +240,9 @@ static CGFloat HeightOf(NSTextField *field, CGFloat width) {
   auto const &news = _state->news;
   bool const ended_before = std::exchange(_state->ended, news.status.over());
   if (!_state->ended || ended_before || news.status.phase == JobPhase::lost) return;
-  std::string const reason =
-      news.status.details.empty() ? "" : "\n" + utf8(Said(news.status.details.front()));
-  post_note({utf8(HostFormat(@"%@: %@", [_window title], Said(news.status.headline))),
+  std::string const reason = news.status.details.empty() ? "" : "\n" + news.status.details.front();
+  //: The title of a note: which job, and what became of it.
+  post_note({tr("{0}: {1}", utf8([_window title]), news.status.headline),
              utf8([_title stringValue]) + reason, news.status.phase == JobPhase::failed});
 }
 

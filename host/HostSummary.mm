@@ -1,9 +1,10 @@
 #import "host/HostSummary.h"
 
 #import "host/controls.h"
-#import "host/text.h"
+#import "toolkit/text.h"
 
 using namespace fax::host;
+using namespace fax::toolkit;
 
 // A section's title is kept as a row whose value is this; no value of a panel holds a NUL.
 static std::string const kTitleMark(1, '\0');
@@ -24,8 +25,8 @@ static std::string const kTitleMark(1, '\0');
   [_view setBorderType:NSBezelBorder];
   [_view setAutoresizingMask:NSViewWidthSizable | NSViewHeightSizable];
   _table = [[NSTableView alloc] initWithFrame:frame];
-  [self addColumn:@"label" title:HostText(@"Setting") width:150];
-  [self addColumn:@"value" title:HostText(@"Value") width:240];
+  [self addColumn:@"label" title:ns(tr("Setting")) width:150];
+  [self addColumn:@"value" title:ns(tr("Value")) width:240];
   [_table setColumnAutoresizingStyle:NSTableViewLastColumnOnlyAutoresizingStyle];
   [_table setRowHeight:20];
   [_table setAllowsEmptySelection:YES];
@@ -63,7 +64,7 @@ static std::string const kTitleMark(1, '\0');
     _rows->insert(_rows->end(), section.rows.begin(), section.rows.end());
   }
   CGFloat widest = 120;
-  for (auto const &row : *_rows) widest = std::max(widest, roomy_width(ns(row.label)));
+  for (auto const &row : *_rows) widest = std::max(widest, std::ceil(text_width(ns(row.label)) * 1.2) + 8);
   [[_table tableColumnWithIdentifier:@"label"] setWidth:std::min(widest, std::floor([_view contentSize].width / 2))];
   [_table sizeLastColumnToFit];
   [_table reloadData];

@@ -2,7 +2,6 @@
 
 #import <GNUstepGUI/GSDisplayServer.h>
 
-#include <algorithm>
 #include <cmath>
 
 #include "host/x_display.h"
@@ -14,11 +13,10 @@
 @end
 
 namespace fax::host {
-namespace {
 
-NSDictionary *system_font() {
-  return [NSDictionary dictionaryWithObject:[NSFont systemFontOfSize:0] forKey:NSFontAttributeName];
-}
+using namespace toolkit;
+
+namespace {
 
 // What takes the focus, or would if it were enabled: it may be by the time that somebody comes there with Tab.
 bool takes_focus(NSView *view) {
@@ -50,48 +48,12 @@ NSInteger reading_order(id one, id other, void *) {
 
 }  // namespace
 
-NSTextField *make_label(NSString *text, NSTextAlignment alignment) {
-  NSTextField *label = [[[NSTextField alloc] initWithFrame:NSMakeRect(0, 0, 10, 18)] autorelease];
-  [label setEditable:NO];
-  [label setSelectable:NO];
-  [label setBezeled:NO];
-  [label setBordered:NO];
-  [label setDrawsBackground:NO];
-  [label setFont:[NSFont systemFontOfSize:0]];
-  [label setAlignment:alignment];
-  [label setStringValue:text];
-  return label;
-}
-
-NSButton *make_button(NSString *title, id target, SEL action) {
-  NSButton *button = [[[NSButton alloc] initWithFrame:NSMakeRect(0, 0, 90, kRow)] autorelease];
-  [button setButtonType:NSMomentaryPushInButton];
-  [button setBezelStyle:NSRoundedBezelStyle];
-  [button setFont:[NSFont systemFontOfSize:0]];
-  [button setTitle:title];
-  [button setTarget:target];
-  [button setAction:action];
-  [button setFrameSize:NSMakeSize(std::max<CGFloat>(90, roomy_width(title) + 16), kRow)];
-  return button;
-}
-
-NSPopUpButton *make_pop_up(id target, SEL action) {
-  NSPopUpButton *button = [[[NSPopUpButton alloc] initWithFrame:NSMakeRect(0, 0, 200, kRow) pullsDown:NO] autorelease];
-  [button setFont:[NSFont systemFontOfSize:0]];
-  [button setAutoenablesItems:NO];
-  [button setTarget:target];
-  [button setAction:action];
-  return button;
-}
-
-CGFloat roomy_width(NSString *text) { return std::ceil([text sizeWithAttributes:system_font()].width * 1.4); }
-
 NSString *fitted(NSString *text, CGFloat width) {
-  if ([text sizeWithAttributes:system_font()].width <= width) return text;
+  if (text_width(text) <= width) return text;
   for (NSUInteger length = [text length]; length > 0; --length) {
     NSRange const whole = [text rangeOfComposedCharacterSequenceAtIndex:length - 1];
     NSString *part = [[text substringToIndex:whole.location] stringByAppendingString:@"\u2026"];
-    if ([part sizeWithAttributes:system_font()].width <= width) return part;
+    if (text_width(part) <= width) return part;
     length = whole.location + 1;
   }
   return @"";
@@ -126,13 +88,6 @@ NSArray *focus_order(NSView *view) {
   collect(view, found);
   [found sortUsingFunction:reading_order context:nullptr];
   return found;
-}
-
-void join_focus(NSArray *views) {
-  NSUInteger const count = [views count];
-  for (NSUInteger at = 0; at < count; ++at) {
-    [[views objectAtIndex:at] setNextKeyView:[views objectAtIndex:(at + 1) % count]];
-  }
 }
 
 }  // namespace fax::host

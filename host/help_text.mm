@@ -4,9 +4,12 @@
 #include <cmath>
 
 #import "host/controls.h"
-#import "host/text.h"
+#import "toolkit/text.h"
 
 namespace fax::host {
+
+using namespace toolkit;
+
 namespace {
 
 constexpr CGFloat kText = 12;

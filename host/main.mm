@@ -23,10 +23,11 @@
 #import "host/HostStatusWindow.h"
 #import "host/controls.h"
 #import "host/fence.h"
-#import "host/text.h"
+#import "toolkit/text.h"
 #import "host/theme/FaxTheme.h"
 
 using namespace fax::host;
+using namespace fax::toolkit;
 
 // Shows the dialog when the application is ready, then what becomes of its job, and ends the application with that.
 @interface HostApplication : NSObject <HostDialogOwner, HostStatusWindowOwner> {
@@ -39,6 +40,8 @@ using namespace fax::host;
 - (id)initWithRequest:(DialogRequest const *)request;
 - (ExitCode)exitCode;
 @end
+
+static void Tell(std::string const &sentence) { std::fprintf(stderr, "faxprint: %s\n", sentence.c_str()); }
 
 @interface HostApplication ()
 - (void)follow:(SubmittedJob const &)job;
@@ -98,7 +101,7 @@ using namespace fax::host;
 
 - (void)dialogDidFinish:(HostDialog *)dialog {
   if (auto const failed = save_memory([dialog memory], memory_file())) {
-    std::fprintf(stderr, "faxprint: %s\n", failed->text().c_str());
+    Tell(failed->text());
   }
   SubmittedJob const *const job = [dialog submittedJob];
   if (job && _request->command_line.status) [self follow:*job];
@@ -111,7 +114,7 @@ using namespace fax::host;
     [_status show];
   } catch (std::system_error const &failed) {
     // The job is on its way all the same.
-    std::fprintf(stderr, "faxprint: The job cannot be followed: %s\n", failed.what());
+    Tell(tr("The job cannot be followed: {0}", failed.what()));
   }
 }
 
@@ -143,7 +146,7 @@ using namespace fax::host;
 @end
 
 static int Fail(Failure const &failure) {
-  std::fprintf(stderr, "faxprint: %s\n", failure.text().c_str());
+  Tell(failure.text());
   return static_cast<int>(failure.code);
 }
 
@@ -157,7 +160,7 @@ static std::filesystem::path ApplicationFolder() {
 static Result<std::vector<Document>> OpenAll(std::vector<std::string> const &files) {
   std::vector<Document> documents;
   for (auto const &file : files) {
-    auto document = file == "-" ? Document::of_stream(STDIN_FILENO, "-", "Standard Input") : Document::open(file);
+    auto document = file == "-" ? Document::of_stream(STDIN_FILENO, "-", tr("Standard Input")) : Document::open(file);
     if (!document) return document.failure();
     documents.push_back(document.value());
   }
@@ -168,7 +171,7 @@ static Result<std::vector<Document>> OpenAll(std::vector<std::string> const &fil
 static Memory Remembered() {
   auto memory = load_memory(memory_file());
   if (memory) return memory.value();
-  std::fprintf(stderr, "faxprint: %s\n", memory.failure().text().c_str());
+  Tell(memory.failure().text());
   return {};
 }
 
@@ -186,8 +189,8 @@ static Result<DialogRequest> Prepare(CommandLine const &line) {
   if (!documents) return documents.failure();
   std::error_code ignored;
   if (line.extension && !std::filesystem::is_directory(*line.extension, ignored)) {
-    return Failure{ExitCode::extension, "There is no print dialog extension at \"" + *line.extension + "\".",
-                   "Give the path of a bundle with --extension."};
+    return Failure{ExitCode::extension, tr("There is no print dialog extension at \"{0}\".", *line.extension),
+                   tr("Give the path of a bundle with {0}.", "--extension")};
   }
   Server const server = Server::current();
   auto queues = list_queues(server);
@@ -207,9 +210,8 @@ static Result<DialogRequest> Prepare(CommandLine const &line) {
 
 static int RunDialog(DialogRequest const &request) {
   if (!display_answers()) {
-    std::fprintf(stderr, "faxprint: There is no display to show the print dialog on. Start it in a desktop session, or "
-                         "set DISPLAY.\n");
-    return static_cast<int>(ExitCode::usage);
+    return Fail({ExitCode::usage, tr("There is no display to show the print dialog on."),
+                 tr("Start it in a desktop session, or set {0}.", "DISPLAY")});
   }
   int code = 0;
   NSException *raised = fenced([&] {
@@ -225,8 +227,7 @@ static int RunDialog(DialogRequest const &request) {
     [application release];
   });
   if (!raised) return code;
-  std::fprintf(stderr, "faxprint: The dialog failed: %s\n", utf8([raised reason]).c_str());
-  return static_cast<int>(ExitCode::submission);
+  return Fail({ExitCode::submission, tr("The dialog failed: {0}", utf8([raised reason])), ""});
 }
 
 static int Run(std::vector<std::string> const &arguments) {
@@ -253,6 +254,7 @@ static int Run(std::vector<std::string> const &arguments) {
 }
 
 int main(int argc, char **argv) {
+  fax::speak(fax::catalogue_folders());
   // The toolkit reads the arguments too and would open a file named there as a document of its own.
   char program[] = "faxprint";
   char *own[] = {argc > 0 ? argv[0] : program, nullptr};

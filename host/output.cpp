@@ -16,6 +16,8 @@
 #include <thread>
 #include <vector>
 
+#include "texts/texts.h"
+
 extern char **environ;
 
 namespace fax::host {
@@ -24,8 +26,8 @@ namespace {
 namespace fs = std::filesystem;
 
 Failure file_failure(std::string const &path, int error) {
-  return {ExitCode::file, "The file \"" + path + "\" cannot be written: " + std::strerror(error) + ".",
-          "Choose another folder or make room there."};
+  return {ExitCode::file, tr("The file \"{0}\" cannot be written: {1}.", path, std::strerror(error)),
+          tr("Choose another folder or make room there.")};
 }
 
 // A new file that is removed unless it is kept.
@@ -84,7 +86,7 @@ std::optional<Failure> copy(Document const &document, int fd, std::string const 
   std::uint64_t done = 0;
   for (;;) {
     if (progress && !progress(done, document.size())) {
-      return Failure{ExitCode::cancelled, "Writing the file was cancelled.", ""};
+      return Failure{ExitCode::cancelled, tr("Writing the file was cancelled."), ""};
     }
     auto const got = document.read(done, buffer);
     if (!got) return got.failure();
@@ -102,8 +104,8 @@ std::optional<Failure> copy(Document const &document, int fd, std::string const 
 std::optional<Failure> fill(Document const &document, FreshFile &file, std::string const &path,
                             OutputProgress const &progress) {
   if (document.format() != "application/pdf") {
-    return Failure{ExitCode::file, "The document \"" + document.title() + "\" cannot be turned into a PDF.",
-                   "Save it as PDF in the program that made it, and print that file."};
+    return Failure{ExitCode::file, tr("The document \"{0}\" cannot be turned into a PDF.", document.title()),
+                   tr("Save it as PDF in the program that made it, and print that file.")};
   }
   auto failed = copy(document, file.fd(), path, progress);
   if (!failed && fsync(file.fd()) != 0) failed = file_failure(path, errno);
@@ -129,8 +131,8 @@ std::optional<Failure> write_output(Document const &document, std::string const 
 std::optional<Failure> open_preview(Document const &document, OutputProgress const &progress) {
   auto const opener = program("xdg-open");
   if (!opener) {
-    return Failure{ExitCode::file, "The preview cannot be opened: the program xdg-open is not installed.",
-                   "Install the package xdg-utils, or choose \"Save as File\"."};
+    return Failure{ExitCode::file, tr("The preview cannot be opened: the program {0} is not installed.", "xdg-open"),
+                   tr("Install the package {0}, or choose \"Save as File\".", "xdg-utils")};
   }
   FreshFile file{(fs::temp_directory_path() / "faxprint-XXXXXX.pdf").string(), 4};
   if (file.fd() < 0) return file_failure(file.path(), errno);
@@ -145,8 +147,8 @@ std::optional<Failure> open_preview(Document const &document, OutputProgress con
     if (!ended) std::this_thread::sleep_for(std::chrono::milliseconds(20));
   }
   if (!pid || (ended && !(WIFEXITED(status) && WEXITSTATUS(status) == 0))) {
-    return Failure{ExitCode::file, "The preview cannot be opened: no program shows this kind of file.",
-                   "Install a PDF viewer, or choose \"Save as File\"."};
+    return Failure{ExitCode::file, tr("The preview cannot be opened: no program shows this kind of file."),
+                   tr("Install a PDF viewer, or choose \"Save as File\".")};
   }
   file.keep();
   return std::nullopt;

@@ -17,6 +17,8 @@
 #include <unistd.h>
 #include <utility>
 
+#include "texts/texts.h"
+
 namespace fax::host {
 
 struct Lookup::Shared {
@@ -79,7 +81,7 @@ LookupAnswer look_up_name(std::string const &name) {
   std::unique_ptr<addrinfo, decltype(&freeaddrinfo)> const owner(list, &freeaddrinfo);
   for (addrinfo const *entry = list; entry != nullptr; entry = entry->ai_next)
     if (auto address = numeric_address(entry->ai_addr)) return {LookupAnswer::Outcome::found, std::move(address), ""};
-  return {LookupAnswer::Outcome::failed, std::nullopt, "No address of a known kind"};
+  return {LookupAnswer::Outcome::failed, std::nullopt, tr("No address of a known kind")};
 }
 
 namespace {
@@ -174,7 +176,7 @@ LookupAnswer reach_discovery() { return ServiceQuestion().reach(); }
 LookupAnswer look_up_service(std::string const &service, std::chrono::milliseconds limit) {
   std::string const front = service.substr(0, service.find("._tcp"));
   auto const dot = front.rfind('.');
-  if (dot == std::string::npos) return {LookupAnswer::Outcome::failed, std::nullopt, "The service has no name"};
+  if (dot == std::string::npos) return {LookupAnswer::Outcome::failed, std::nullopt, tr("The service has no name")};
   return ServiceQuestion().ask(front.substr(0, dot), front.substr(dot + 1) + "._tcp", limit);
 }
 

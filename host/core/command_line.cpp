@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <charconv>
 #include <getopt.h>
+#include <iterator>
 
 #include "host/core/option_guard.h"
 #include "host/core/utf8.h"
+#include "texts/texts.h"
 
 namespace fax::host {
 
@@ -35,7 +37,7 @@ constexpr option kLongOptions[] = {
     {nullptr, 0, nullptr, 0},
 };
 
-Failure wrong(std::string const &what) { return {ExitCode::usage, what, "Try 'faxprint --help'."}; }
+Failure wrong(std::string const &what) { return {ExitCode::usage, what, tr("Try '{0}'.", "faxprint --help")}; }
 
 // An option's code as a person writes it: the long form, or "-x" for a letter that is no option.
 std::string spelled(int code) {
@@ -46,12 +48,12 @@ std::string spelled(int code) {
 
 std::optional<Failure> add_option(std::string const &argument, std::vector<Setting> &options) {
   std::size_t const equals = argument.find('=');
-  if (equals == std::string::npos) return wrong("--option takes KEY=VALUE, not \"" + argument + "\".");
+  if (equals == std::string::npos) return wrong(tr("{0} takes KEY=VALUE, not \"{1}\".", "--option", argument));
   Setting setting{argument.substr(0, equals), argument.substr(equals + 1)};
-  if (setting.key == "copies") return wrong("The number of copies is given by --copies.");
-  if (setting.key == "page-ranges") return wrong("The pages are given by --pages.");
-  if (setting.key == "job-name") return wrong("The title of the job is given by --title.");
-  if (!is_safe_key(setting.key)) return wrong("\"" + setting.key + "\" is no key for --option.");
+  if (setting.key == "copies") return wrong(tr("The number of copies is given by {0}.", "--copies"));
+  if (setting.key == "page-ranges") return wrong(tr("The pages are given by {0}.", "--pages"));
+  if (setting.key == "job-name") return wrong(tr("The title of the job is given by {0}.", "--title"));
+  if (!is_safe_key(setting.key)) return wrong(tr("\"{0}\" is no key for {1}.", setting.key, "--option"));
   options.push_back(std::move(setting));
   return std::nullopt;
 }
@@ -75,19 +77,95 @@ std::optional<Destination> destination_named(std::string const &name) {
 std::optional<Failure> complete(CommandLine &line, std::optional<Destination> to,
                                 std::vector<std::string> const &files) {
   if (line.output && to && *to != Destination::file)
-    return wrong("--output goes with --to file only.");
+    return wrong(tr("{0} goes with {1} only.", "--output", "--to file"));
   line.destination = to.value_or(line.output ? Destination::file : Destination::printer);
   if (line.action != CommandLine::Action::print) {
     if (!files.empty())
-      return wrong(std::string(line.action == CommandLine::Action::list ? "--list" : "--forget") +
-                   " takes no FILE, but \"" + files[0] + "\" was given.");
+      return wrong(tr("{0} takes no FILE, but \"{1}\" was given.",
+                      line.action == CommandLine::Action::list ? "--list" : "--forget", files[0]));
     return std::nullopt;
   }
-  if (files.empty()) return wrong("No FILE was given.");
-  if (std::count(files.begin(), files.end(), "") > 0) return wrong("The name of FILE is empty.");
-  if (std::count(files.begin(), files.end(), "-") > 1) return wrong("Standard input (-) can be read once only.");
+  if (files.empty()) return wrong(tr("No FILE was given."));
+  if (std::count(files.begin(), files.end(), "") > 0) return wrong(tr("The name of FILE is empty."));
+  if (std::count(files.begin(), files.end(), "-") > 1) return wrong(tr("Standard input (-) can be read once only."));
   line.files = files;
   return std::nullopt;
+}
+
+// The help text. Its lines are broken here and in each translation, so that they fit into 80 columns.
+
+constexpr char const *kPurpose =
+    //: Break the lines at 80 columns.
+    mark("Shows the print dialog for FILE, with the fax panel of the printer's driver, and\n"
+         "submits it to CUPS as one job: several FILEs one behind the other, as one PDF.\n"
+         "FILE is a PDF, PostScript, an image or a text; \"-\" is standard input.");
+
+struct OptionHelp {
+  char const *spelling;
+  char const *meaning;
+};
+
+// Break the lines of these at 54 columns.
+constexpr OptionHelp kOptionHelp[] = {
+    {"-d, --printer NAME", mark("print queue; without it the one used last, or the default")},
+    {"    --list", mark("list the print queues and end")},
+    {"-o, --option KEY=VALUE", mark("set a job option or a PPD option; may be repeated")},
+    {"-n, --copies N", mark("number of copies, 1 to 9999")},
+    {"-t, --title TEXT", mark("title of the job; without it the name of FILE")},
+    {"    --pages RANGE", mark("pages to send, such as 1-3,5 or 2-; counted over all FILEs")},
+    //: "printer", "file" and "preview" are typed as they stand here.
+    {"    --to DESTINATION", mark("where the dialog starts: printer, file or preview")},
+    {"    --output FILE", mark("file to write to; without --to it means --to file")},
+    {"    --extension BUNDLE", mark("print dialog extension to load; without it the one that\n"
+                                    "the printer's PPD file names (*APDialogExtension)")},
+    {"    --no-status", mark("end as soon as the job is submitted, without the window\n"
+                             "that follows it")},
+    //: "auto", "light" and "dark" are typed as they stand here.
+    {"    --theme THEME", mark("auto, light or dark; auto, which holds without it, follows\n"
+                               "the desktop")},
+    {"    --timing", mark("print to standard error how long each step took")},
+    {"    --ui-map FILE", mark("write the positions of the dialog's controls to FILE")},
+    {"    --forget", mark("forget printer, options and window size of the last use")},
+    {"-h, --help", mark("print this text and end")},
+    {"    --version", mark("print the version and end")},
+};
+
+constexpr char const *kExamples[] = {
+    "faxprint report.pdf",
+    "faxprint --printer fax --option QXFaxImageQuality=Fine report.pdf",
+    "faxprint --to file --output copy.pdf report.pdf",
+    "faxprint --pages 2- letter.pdf map.png",
+    "man -t lp | faxprint -",
+};
+
+// By their number.
+constexpr char const *kExitCodeHelp[] = {
+    //: This and the next six: what an exit code means.
+    mark("the job was submitted, whatever became of it there, or the text that was\n"
+         "asked for was printed"),
+    mark("cancelled; nothing was submitted"),
+    mark("wrong command line"),
+    mark("the document cannot be read, or the output file cannot be written"),
+    mark("no print service, no such queue, or a broken PPD file"),
+    mark("the queue did not take the job; nothing is left in the queue"),
+    mark("the print dialog extension cannot be loaded"),
+};
+
+constexpr char const *kRemarks =
+    //: Break the lines at 80 columns.
+    mark("The print service is found as by every CUPS program: CUPS_SERVER, client.conf.\n"
+         "Printer, its options and the window's size are kept for the next time in\n"
+         "~/.config/directfax/faxprint.json; recipients and passwords never are.");
+
+// A word, and what it means from a column on; further lines of that begin there too.
+std::string help_row(std::string word, std::size_t column, std::string const &meaning) {
+  std::string row = std::move(word);
+  row.resize(std::max(column, row.size() + 1), ' ');
+  for (char const letter : meaning) {
+    row += letter;
+    if (letter == '\n') row.append(column, ' ');
+  }
+  return row + "\n";
 }
 
 }  // namespace
@@ -109,9 +187,9 @@ Result<CommandLine> parse_command_line(std::vector<std::string> const &arguments
     std::string const argument = optarg != nullptr ? optarg : "";
     bool const may_be_empty = code == 'o' || code == 't';
     if (optarg != nullptr && argument.empty() && !may_be_empty)
-      return wrong(spelled(code) + " needs a value that is not empty.");
+      return wrong(tr("{0} needs a value that is not empty.", spelled(code)));
     bool const is_path = code == kExtension || code == kUiMap || code == kOutput;
-    if (!is_path && !is_utf8(argument)) return wrong("The value of " + spelled(code) + " is not valid UTF-8 text.");
+    if (!is_path && !is_utf8(argument)) return wrong(tr("The value of {0} is not valid UTF-8 text.", spelled(code)));
     switch (code) {
       case 'd':
         line.printer = argument;
@@ -123,7 +201,7 @@ Result<CommandLine> parse_command_line(std::vector<std::string> const &arguments
         if (auto const copies = number_of_copies(argument))
           line.copies = *copies;
         else
-          return wrong("--copies takes a number from 1 to 9999, not \"" + argument + "\".");
+          return wrong(tr("{0} takes a number from {1} to {2}, not \"{3}\".", "--copies", 1, kMostCopies, argument));
         break;
       case 't':
         line.title = argument;
@@ -160,20 +238,21 @@ Result<CommandLine> parse_command_line(std::vector<std::string> const &arguments
         break;
       case kTo:
         to = destination_named(argument);
-        if (!to) return wrong("--to takes printer, file or preview, not \"" + argument + "\".");
+        if (!to) return wrong(tr("{0} takes {1}, {2} or {3}, not \"{4}\".", "--to", "printer", "file", "preview", argument));
         break;
       case kTheme:
         if (argument != "auto" && argument != "light" && argument != "dark")
-          return wrong("--theme takes auto, light or dark, not \"" + argument + "\".");
+          return wrong(tr("{0} takes {1}, {2} or {3}, not \"{4}\".", "--theme", "auto", "light", "dark", argument));
         line.theme = argument;
         break;
       case ':':
-        return wrong(spelled(optopt) + " needs a value.");
+        return wrong(tr("{0} needs a value.", spelled(optopt)));
       default:
         if (optopt == 0)
-          return wrong("The option \"" + std::string(argv[optind - 1]) + "\" is not known, or could be several.");
-        if (std::string const name = spelled(optopt); name.starts_with("--")) return wrong(name + " takes no value.");
-        return wrong("The option \"" + spelled(optopt) + "\" is not known.");
+          return wrong(tr("The option \"{0}\" is not known, or could be several.", argv[optind - 1]));
+        if (std::string const name = spelled(optopt); name.starts_with("--")) 
+          return wrong(tr("{0} takes no value.", name));
+        return wrong(tr("The option \"{0}\" is not known.", spelled(optopt)));
     }
   }
   std::vector<std::string> const files(argv.begin() + optind, argv.end() - 1);
@@ -184,55 +263,16 @@ Result<CommandLine> parse_command_line(std::vector<std::string> const &arguments
 std::string version_text() { return "faxprint (DirectFax) " FAXPRINT_VERSION "\n"; }
 
 std::string help_text() {
-  return R"(Usage: faxprint [OPTION]... FILE...
-       faxprint --list
-       faxprint --forget
-
-Shows the print dialog for FILE, with the fax panel of the printer's driver, and
-submits it to CUPS as one job: several FILEs one behind the other, as one PDF.
-FILE is a PDF, PostScript, an image or a text; "-" is standard input.
-
-  -d, --printer NAME      print queue; without it the one used last, or the default
-      --list              list the print queues and end
-  -o, --option KEY=VALUE  set a job option or a PPD option; may be repeated
-  -n, --copies N          number of copies, 1 to 9999
-  -t, --title TEXT        title of the job; without it the name of FILE
-      --pages RANGE       pages to send, such as 1-3,5 or 2-; counted over all FILEs
-      --to DESTINATION    where the dialog starts: printer, file or preview
-      --output FILE       file to write to; without --to it means --to file
-      --extension BUNDLE  print dialog extension to load; without it the one that
-                          the printer's PPD file names (*APDialogExtension)
-      --no-status         end as soon as the job is submitted, without the window
-                          that follows it
-      --theme THEME       auto, light or dark; auto, which holds without it, follows
-                          the desktop
-      --timing            print to standard error how long each step took
-      --ui-map FILE       write the positions of the dialog's controls to FILE
-      --forget            forget printer, options and window size of the last use
-  -h, --help              print this text and end
-      --version           print the version and end
-
-Examples:
-  faxprint report.pdf
-  faxprint --printer fax --option QXFaxImageQuality=Fine report.pdf
-  faxprint --to file --output copy.pdf report.pdf
-  faxprint --pages 2- letter.pdf map.png
-  man -t lp | faxprint -
-
-Exit codes:
-  0  the job was submitted, whatever became of it there, or the text that was
-     asked for was printed
-  1  cancelled; nothing was submitted
-  2  wrong command line
-  3  the document cannot be read, or the output file cannot be written
-  4  no print service, no such queue, or a broken PPD file
-  5  the queue did not take the job; nothing is left in the queue
-  6  the print dialog extension cannot be loaded
-
-The print service is found as by every CUPS program: CUPS_SERVER, client.conf.
-Printer, its options and the window's size are kept for the next time in
-~/.config/directfax/faxprint.json; recipients and passwords never are.
-)";
+  std::string text = tr("Usage: {0}", "faxprint [OPTION]... FILE...") + "\n";
+  for (auto const *const line : {"faxprint --list", "faxprint --forget"}) text += std::string(7, ' ') + line + "\n";
+  text += "\n" + tr(kPurpose) + "\n\n";
+  for (auto const &[spelling, meaning] : kOptionHelp) text += help_row(std::string("  ") + spelling, 26, tr(meaning));
+  text += "\n" + tr("Examples:") + "\n";
+  for (auto const *const line : kExamples) text += std::string("  ") + line + "\n";
+  text += "\n" + tr("Exit codes:") + "\n";
+  for (std::size_t code = 0; code < std::size(kExitCodeHelp); ++code)
+    text += help_row("  " + std::to_string(code), 5, tr(kExitCodeHelp[code]));
+  return text + "\n" + tr(kRemarks) + "\n";
 }
 
 }  // namespace fax::host

@@ -7,6 +7,7 @@
 
 #include "host/core/ppd_file.h"
 #include "host/core/utf8.h"
+#include "texts/texts.h"
 
 namespace fax::host {
 
@@ -56,17 +57,24 @@ bool is_text(std::string_view beginning, bool whole) {
   return true;
 }
 
-Failure no_pdf(Document const &document, std::string const &why) {
-  return {ExitCode::file, "The document \"" + document.title() + "\" cannot be turned into a PDF" + why + ".",
-          "Save it as PDF in the program that made it, and print that file."};
+// what: a text with the document's title in it.
+Failure no_pdf(Document const &document, char const *what) {
+  return {ExitCode::file, tr(what, document.title()),
+          tr("Save it as PDF in the program that made it, and print that file.")};
 }
+
+constexpr char const *kNoPdf = mark("The document \"{0}\" cannot be turned into a PDF.");
 
 Failure no_pdf(Document const &document, ChildEnd::How how) {
   switch (how) {
-    case ChildEnd::How::stopped: return {ExitCode::cancelled, "Turning the document into a PDF was cancelled.", ""};
-    case ChildEnd::How::late: return no_pdf(document, " within a minute");
-    case ChildEnd::How::not_started: return no_pdf(document, ": the filters of the print service are not installed");
-    default: return no_pdf(document, "");
+    case ChildEnd::How::stopped: 
+      return {ExitCode::cancelled, tr("Turning the document into a PDF was cancelled."), ""};
+    case ChildEnd::How::late: 
+      return no_pdf(document, mark("The document \"{0}\" cannot be turned into a PDF within a minute."));
+    case ChildEnd::How::not_started: 
+      return no_pdf(document, mark("The document \"{0}\" cannot be turned into a PDF: the filters of the print service "
+                                   "are not installed."));
+    default: return no_pdf(document, kNoPdf);
   }
 }
 
@@ -78,7 +86,7 @@ Result<Kind> kind_of(Document const &document) {
   for (auto const &[signature, kind] : kSignatures)
     if (beginning.starts_with(signature)) return kind;
   if (is_text(beginning, got.value() == document.size())) return kText;
-  return no_pdf(document, ": its kind is not known");
+  return no_pdf(document, mark("The document \"{0}\" cannot be turned into a PDF: its kind is not known."));
 }
 
 // The PPD file of the queue, for a filter to read; empty when there is none.
@@ -118,7 +126,9 @@ Result<Document> as_pdf(Document const &document, Server const &server, PageLayo
   auto const input = document.share();
   if (!input) return input.failure();
   Descriptor output = unnamed_file();
-  if (!output) return no_pdf(document, ": there is no room for temporary files");
+  if (!output)
+    return no_pdf(document, mark("The document \"{0}\" cannot be turned into a PDF: there is no room for temporary "
+                                 "files."));
   Descriptor const ppd = ppd_of(server, layout.queue);
 
   Child filter;

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "host/core/utf8.h"
+#include "texts/texts.h"
 
 namespace fax::host {
 
@@ -37,13 +38,33 @@ namespace {
 constexpr std::size_t kPiece = 64 * 1024;
 constexpr std::size_t kLongestTitle = 255;  // bytes; the longest job name that IPP allows
 
-Failure cannot_open(std::string const &path, std::string const &why, std::string const &advice) {
-  return {ExitCode::file, "The document \"" + path + "\" " + why + ".", advice};
+Failure unusable(std::string what, std::string advice) {
+  return {ExitCode::file, std::move(what), std::move(advice)};
+}
+
+// what: a text with the document's name and the system's reason in it.
+Failure unusable(char const *what, std::string const &name, int error) {
+  return unusable(tr(what, name, std::strerror(error)), "");
+}
+
+constexpr char const *kNotExamined = mark("The document \"{0}\" cannot be examined: {1}.");
+constexpr char const *kNotRead = mark("The document \"{0}\" cannot be read: {1}.");
+
+Failure empty(std::string const &name, std::string advice) {
+  return unusable(tr("The document \"{0}\" is empty.", name), std::move(advice));
 }
 
 Failure cannot_spool(std::string const &name) {
-  return cannot_open(name, std::string("cannot be kept in a temporary file: ") + std::strerror(errno),
-                     "Make room in the folder for temporary files.");
+  return unusable(tr("The document \"{0}\" cannot be kept in a temporary file: {1}.", name, std::strerror(errno)),
+                  tr("Make room in the folder for temporary files."));
+}
+
+Failure cannot_open(std::string const &path, int error) {
+  if (error == ENOENT || error == ENOTDIR)
+    return unusable(tr("The document \"{0}\" does not exist.", path), tr("Check the name."));
+  if (error == EACCES)
+    return unusable(tr("The document \"{0}\" may not be read by you.", path), tr("Check the file's permissions."));
+  return unusable(mark("The document \"{0}\" cannot be opened: {1}."), path, error);
 }
 
 bool write_all(int descriptor, std::string_view rest) {
@@ -71,18 +92,14 @@ Result<Document> Document::open(std::string const &path) {
   auto const state = std::make_shared<State>();
   // Without O_NONBLOCK, opening a named pipe would wait for a writer.
   state->descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-  if (state->descriptor < 0) {
-    int const error = errno;
-    if (error == ENOENT || error == ENOTDIR) return cannot_open(path, "does not exist", "Check the name.");
-    if (error == EACCES) return cannot_open(path, "may not be read by you", "Check the file's permissions.");
-    return cannot_open(path, std::string("cannot be opened: ") + std::strerror(error), "");
-  }
+  if (state->descriptor < 0) return cannot_open(path, errno);
   struct stat about {};
-  if (fstat(state->descriptor, &about) != 0)
-    return cannot_open(path, std::string("cannot be examined: ") + std::strerror(errno), "");
-  if (S_ISDIR(about.st_mode)) return cannot_open(path, "is a folder", "Name a document inside it.");
-  if (!S_ISREG(about.st_mode)) return cannot_open(path, "is no regular file", "Save the document to a file first.");
-  if (about.st_size == 0) return cannot_open(path, "is empty", "Save the document again in the program it comes from.");
+  if (fstat(state->descriptor, &about) != 0) return unusable(kNotExamined, path, errno);
+  if (S_ISDIR(about.st_mode))
+    return unusable(tr("The document \"{0}\" is a folder.", path), tr("Name a document inside it."));
+  if (!S_ISREG(about.st_mode))
+    return unusable(tr("The document \"{0}\" is no regular file.", path), tr("Save the document to a file first."));
+  if (about.st_size == 0) return empty(path, tr("Save the document again in the program it comes from."));
   state->size = static_cast<std::uint64_t>(about.st_size);
   state->changed = about.st_mtim;
   state->title = display_title(path);
@@ -100,8 +117,7 @@ Result<Document> Document::of_file(Descriptor file, std::string title) {
   state->descriptor = file.release();
   state->title = title;
   struct stat about {};
-  if (fstat(state->descriptor, &about) != 0)
-    return cannot_open(title, std::string("cannot be examined: ") + std::strerror(errno), "");
+  if (fstat(state->descriptor, &about) != 0) return unusable(kNotExamined, title, errno);
   state->size = static_cast<std::uint64_t>(about.st_size);
   Document document(state);
   std::array<char, 1024> beginning;
@@ -119,12 +135,12 @@ Result<Document> Document::of_stream(int descriptor, std::string const &name, st
   for (;;) {
     ssize_t const got = ::read(descriptor, buffer.data(), buffer.size());
     if (got < 0 && errno == EINTR) continue;
-    if (got < 0) return cannot_open(name, std::string("cannot be read: ") + std::strerror(errno), "");
+    if (got < 0) return unusable(kNotRead, name, errno);
     if (got == 0) break;
     if (!write_all(file.get(), {buffer.data(), static_cast<std::size_t>(got)})) return cannot_spool(name);
     size += static_cast<std::uint64_t>(got);
   }
-  if (size == 0) return cannot_open(name, "is empty", "Look whether the program before the pipe failed.");
+  if (size == 0) return empty(name, tr("Look whether the program before the pipe failed."));
   return of_file(std::move(file), std::move(title));
 }
 
@@ -152,7 +168,7 @@ Result<std::size_t> Document::read(std::uint64_t offset, std::span<char> buffer)
     ssize_t const got = pread(state_->descriptor, buffer.data() + done, buffer.size() - done,
                               static_cast<off_t>(offset + done));
     if (got < 0 && errno == EINTR) continue;
-    if (got < 0) return cannot_open(path(), std::string("cannot be read: ") + std::strerror(errno), "");
+    if (got < 0) return unusable(kNotRead, path(), errno);
     if (got == 0) break;
     done += static_cast<std::size_t>(got);
   }
@@ -188,7 +204,8 @@ std::string display_title(std::string const &path) {
     title += piece;
     name.remove_prefix(std::max<std::size_t>(length, 1));
   }
-  return title.empty() ? "Untitled" : title;
+  //: The title of a document that has none.
+  return title.empty() ? tr("Untitled") : title;
 }
 
 }  // namespace fax::host

@@ -7,6 +7,7 @@
 
 #include "host/core/option_guard.h"
 #include "host/core/utf8.h"
+#include "texts/texts.h"
 
 namespace fax::host {
 
@@ -16,7 +17,7 @@ constexpr std::size_t kPiece = 64 * 1024;
 constexpr std::size_t kLongestTitle = 255;  // bytes; the longest job name that IPP allows
 constexpr int kMostCopies = 9999;
 constexpr int kWithdrawSeconds = 5;  // the user waits for it, and nothing is lost where it fails
-constexpr char kTryAgain[] = "Try again; if it happens again, see the error log of the print service.";
+constexpr char const *kTryAgain = mark("Try again; if it happens again, see the error log of the print service.");
 
 using Clock = std::chrono::steady_clock;
 
@@ -24,34 +25,34 @@ Failure not_sent(std::string what, std::string advice) {
   return {ExitCode::submission, std::move(what), std::move(advice)};
 }
 
-Failure cancelled() { return {ExitCode::cancelled, "The job was cancelled.", ""}; }
+Failure cancelled() { return {ExitCode::cancelled, tr("The job was cancelled."), ""}; }
 
 // What the print service's refusal means for the user. message is CUPS's own sentence.
 Failure refusal(ipp_status_t status, std::string const &message, JobRequest const &request) {
-  std::string const queue = "\"" + request.queue + "\"";
+  std::string const &queue = request.queue;
   switch (status) {
     case IPP_STATUS_ERROR_NOT_FOUND:
-      return {ExitCode::queue, "There is no print queue " + queue + ".", "faxprint --list shows them."};
+      return no_such_queue(queue);
     case IPP_STATUS_ERROR_NOT_ACCEPTING_JOBS:
-      return not_sent("The queue " + queue + " is not accepting jobs.",
-                      "Ask its administrator, or run: cupsaccept " + request.queue + ".");
+      return not_sent(tr("The queue \"{0}\" is not accepting jobs.", queue),
+                      tr("Ask its administrator, or run: {0}.", "cupsaccept " + queue));
     case IPP_STATUS_ERROR_DOCUMENT_FORMAT_NOT_SUPPORTED:
     case IPP_STATUS_ERROR_DOCUMENT_FORMAT_ERROR:
-      return not_sent("The queue " + queue + " cannot take a document of this kind: " + message + ".",
-                      "Save the document as PDF and send that.");
+      return not_sent(tr("The queue \"{0}\" cannot take a document of this kind: {1}.", queue, message),
+                      tr("Save the document as PDF and send that."));
     case IPP_STATUS_ERROR_NOT_AUTHORIZED:
     case IPP_STATUS_ERROR_NOT_AUTHENTICATED:
     case IPP_STATUS_ERROR_FORBIDDEN:
     case IPP_STATUS_ERROR_CUPS_AUTHENTICATION_CANCELED:
-      return not_sent("You may not print on the queue " + queue + ": " + message + ".", "Ask its administrator.");
+      return not_sent(tr("You may not print on the queue \"{0}\": {1}.", queue, message), tr("Ask its administrator."));
     case IPP_STATUS_ERROR_REQUEST_ENTITY:
-      return not_sent("The print service has no room for the document, or does not take one of this size.",
-                      "Free space on its disk, or send a smaller document.");
+      return not_sent(tr("The print service has no room for the document, or does not take one of this size."),
+                      tr("Free space on its disk, or send a smaller document."));
     case IPP_STATUS_ERROR_SERVICE_UNAVAILABLE:
     case IPP_STATUS_ERROR_INTERNAL:
-      return not_sent("The print service stopped answering: " + message + ".", kTryAgain);
+      return not_sent(tr("The print service stopped answering: {0}.", message), tr(kTryAgain));
     default:
-      return not_sent("The print service refused the job: " + message + ".", kTryAgain);
+      return not_sent(tr("The print service refused the job: {0}.", message), tr(kTryAgain));
   }
 }
 
@@ -179,13 +180,12 @@ private:
       while (status == HTTP_STATUS_CONTINUE && !late());
     if (stopped_) return cancelled();
     if (status >= HTTP_STATUS_BAD_REQUEST) return refusal(meaning_of(status), httpStatus(status), request_);
-    std::string const amount =
-        std::to_string(done_) + " of " + std::to_string(request_.document.size()) + " bytes";
+    auto const all = request_.document.size();
     if (late())
-      return not_sent("The print service took no more data for " + std::to_string(server_.timeout_seconds) +
-                          " seconds, after " + amount + ".",
-                      kTryAgain);
-    return not_sent("The connection to the print service broke after " + amount + ".", kTryAgain);
+      return not_sent(tr("The print service took no more data for {0} seconds, after {1} of {2} bytes.",
+                         server_.timeout_seconds, done_, all),
+                      tr(kTryAgain));
+    return not_sent(tr("The connection to the print service broke after {0} of {1} bytes.", done_, all), tr(kTryAgain));
   }
 
   // Takes the half-made job out of the queue. The first connection may be in the middle of a document, so it is closed
@@ -203,9 +203,9 @@ private:
     bool const gone = status <= IPP_STATUS_OK_EVENTS_COMPLETE || status == IPP_STATUS_ERROR_NOT_FOUND ||
                       status == IPP_STATUS_ERROR_NOT_POSSIBLE;  // it has ended by itself
     if (!gone)
-      failure.advice += std::string(failure.advice.empty() ? "" : " ") + "Job " + request_.queue + "-" +
-                        std::to_string(job_) + " may still be in the queue without its document; remove it with: " +
-                        "cancel " + std::to_string(job_) + ".";
+      failure.advice += (failure.advice.empty() ? "" : " ") +
+                        tr("Job {0} may still be in the queue without its document; remove it with: {1}.",
+                           request_.queue + "-" + std::to_string(job_), "cancel " + std::to_string(job_));
     return failure;
   }
 
@@ -238,27 +238,28 @@ std::vector<Setting> job_options(JobRequest const &request) {
 
 std::optional<Failure> check_request(JobRequest const &request) {
   if (request.copies < 1 || request.copies > kMostCopies)
-    return not_sent("The number of copies is not between 1 and 9999.", "Choose another number.");
+    return not_sent(tr("The number of copies is not between {0} and {1}.", 1, kMostCopies), tr("Choose another number."));
   if (!is_utf8(request.title) || request.title.size() > kLongestTitle || request.title.find('\0') != std::string::npos)
-    return not_sent("The title of the job is no text of at most 255 bytes.", "Choose a shorter title.");
+    return not_sent(tr("The title of the job is no text of at most {0} bytes.", kLongestTitle),
+                    tr("Choose a shorter title."));
   std::vector<Setting> options = job_options(request);
   for (auto const &[key, value] : options) {
-    if (!is_safe_key(key)) return not_sent("The job cannot carry the setting \"" + key + "\".", "Leave it out.");
+    if (!is_safe_key(key)) return not_sent(tr("The job cannot carry the setting \"{0}\".", key), tr("Leave it out."));
     if (!is_utf8(value) || value.find('\0') != std::string::npos)
-      return not_sent("The value of the setting \"" + key + "\" is no valid text.", "Type it again.");
+      return not_sent(tr("The value of the setting \"{0}\" is no valid text.", key), tr("Type it again."));
     if (value.size() > kLargestValue)
-      return not_sent("The value of the setting \"" + key + "\" is too long: " + std::to_string(value.size()) +
-                          " bytes, where " + std::to_string(kLargestValue) + " are possible.",
-                      "Make it shorter.");
+      return not_sent(tr("The value of the setting \"{0}\" is too long: {1} bytes, where {2} are possible.", key,
+                         value.size(), kLargestValue),
+                      tr("Make it shorter."));
   }
   for (auto const &setting : request.queue_defaults)
     if (std::none_of(options.begin(), options.end(), [&](Setting const &sent) { return sent.key == setting.key; }))
       options.push_back(setting);
   std::size_t const total = total_option_bytes(options);
   if (total > kLargestOptions)
-    return not_sent("The settings of the job are too long together: " + std::to_string(total) + " bytes, where " +
-                        std::to_string(kLargestOptions) + " are possible.",
-                    "Send to fewer destinations at a time, or shorten their names.");
+    return not_sent(tr("The settings of the job are too long together: {0} bytes, where {1} are possible.", total,
+                       kLargestOptions),
+                    tr("Send to fewer destinations at a time, or shorten their names."));
   return std::nullopt;
 }
 

@@ -6,6 +6,8 @@
 #include <optional>
 #include <string_view>
 
+#include "texts/texts.h"
+
 namespace fax::host {
 
 namespace {
@@ -45,26 +47,26 @@ char const *meaning_of(std::string_view keyword, auto const &table) {
 
 // The named times of job-hold-until. When an evening begins is the print service's affair.
 constexpr std::array kHoldNames = {
-    Meaning{"indefinite", "Held until it is released"}, Meaning{"day-time", "Held until the day"},
-    Meaning{"evening", "Held until the evening"},       Meaning{"night", "Held until the night"},
-    Meaning{"second-shift", "Held until the second shift"},
-    Meaning{"third-shift", "Held until the third shift"},
-    Meaning{"weekend", "Held until the weekend"},
+    Meaning{"indefinite", mark("Held until it is released")}, Meaning{"day-time", mark("Held until the day")},
+    Meaning{"evening", mark("Held until the evening")},       Meaning{"night", mark("Held until the night")},
+    Meaning{"second-shift", mark("Held until the second shift")},
+    Meaning{"third-shift", mark("Held until the third shift")},
+    Meaning{"weekend", mark("Held until the weekend")},
 };
 
 // What a queue or its printer lacks, without the grade that may stand behind it ("-error").
 constexpr std::array kPrinterReasons = {
-    Meaning{"connecting-to-device", "The connection to the printer is being made."},
-    Meaning{"cover-open", "A cover of the printer is open."},
-    Meaning{"door-open", "A door of the printer is open."},
-    Meaning{"marker-supply-empty", "The printer has run out of ink or toner."},
-    Meaning{"media-empty", "The printer has run out of paper."},
-    Meaning{"media-jam", "Paper is jammed in the printer."},
-    Meaning{"media-needed", "The printer needs paper."},
-    Meaning{"offline", "The printer cannot be reached."},
-    Meaning{"shutdown", "The printer is switched off."},
-    Meaning{"timed-out", "The printer does not answer."},
-    Meaning{"toner-empty", "The printer has run out of toner."},
+    Meaning{"connecting-to-device", mark("The connection to the printer is being made.")},
+    Meaning{"cover-open", mark("A cover of the printer is open.")},
+    Meaning{"door-open", mark("A door of the printer is open.")},
+    Meaning{"marker-supply-empty", mark("The printer has run out of ink or toner.")},
+    Meaning{"media-empty", mark("The printer has run out of paper.")},
+    Meaning{"media-jam", mark("Paper is jammed in the printer.")},
+    Meaning{"media-needed", mark("The printer needs paper.")},
+    Meaning{"offline", mark("The printer cannot be reached.")},
+    Meaning{"shutdown", mark("The printer is switched off.")},
+    Meaning{"timed-out", mark("The printer does not answer.")},
+    Meaning{"toner-empty", mark("The printer has run out of toner.")},
 };
 
 // What the print service itself says of a filter that failed without a word.
@@ -99,7 +101,7 @@ std::optional<int> seconds_of_day(std::string_view text) {
 
 // A time of day in UTC, the next one to come, as it stands on the clock here. The print service releases a job a little
 // late: a time that has just gone by is not tomorrow's.
-Words held_until_time(int seconds, std::time_t now) {
+std::string held_until_time(int seconds, std::time_t now) {
   constexpr std::time_t kDay = 86400;
   constexpr std::time_t kLateness = 120;
   std::time_t release = now - now % kDay + seconds;
@@ -110,83 +112,85 @@ Words held_until_time(int seconds, std::time_t now) {
   std::array<char, 16> clock;
   std::strftime(clock.data(), clock.size(), "%H:%M", &here);
   bool const same_day = here.tm_yday == today.tm_yday;
-  return {same_day ? "Held until %@" : "Held until %@ tomorrow", {clock.data()}};
+  return same_day ? tr("Held until {0}", clock.data()) : tr("Held until {0} tomorrow", clock.data());
 }
 
-Words held_words(std::string const &until, std::time_t now) {
+std::string held_headline(std::string const &until, std::time_t now) {
   if (auto const seconds = seconds_of_day(until)) return held_until_time(*seconds, now);
-  if (char const *const named = meaning_of(until, kHoldNames)) return {named, {}};
-  return {"Held", {}};
+  if (char const *const named = meaning_of(until, kHoldNames)) return tr(named);
+  //: The state of a job that waits until somebody or a time releases it.
+  return tr("Held");
 }
 
-void add_message(std::string const &message, std::vector<Words> &details) {
-  Words const words{"%@", {message}};
-  if (!message.empty() && std::find(details.begin(), details.end(), words) == details.end()) details.push_back(words);
+void add_message(std::string const &message, std::vector<std::string> &details) {
+  if (!message.empty() && std::find(details.begin(), details.end(), message) == details.end())
+    details.push_back(message);
 }
 
 // Why the queue does not go on with its jobs, or does so with difficulty.
-std::vector<Words> printer_details(JobReport const &report) {
-  std::vector<Words> details;
+std::vector<std::string> printer_details(JobReport const &report) {
+  std::vector<std::string> details;
   if (report.printer_state == IPP_PSTATE_STOPPED) {
-    details.push_back({"The queue is stopped. The job goes on when it is started again.", {}});
+    details.push_back(tr("The queue is stopped. The job goes on when it is started again."));
     add_message(report.printer_message, details);
   }
   for (auto const &reason : report.printer_reasons)
-    if (char const *const known = meaning_of(without_grade(reason), kPrinterReasons)) details.push_back({known, {}});
+    if (char const *const known = meaning_of(without_grade(reason), kPrinterReasons)) details.push_back(tr(known));
   return details;
 }
 
 JobStatus waiting(JobReport const &report) {
   auto details = printer_details(report);
-  if (report.printer_state == IPP_PSTATE_PROCESSING) details.push_back({"The printer works on another job.", {}});
+  if (report.printer_state == IPP_PSTATE_PROCESSING) details.push_back(tr("The printer works on another job."));
   // A backend that is tried again leaves the job waiting, with its last word.
   add_message(report.message, details);
-  return {JobPhase::waiting, {"Waiting", {}}, details, true, false};
+  return {JobPhase::waiting, tr("Waiting"), details, true, false};
 }
 
 JobStatus held(JobReport const &report, std::time_t now) {
   auto details = printer_details(report);
   add_message(report.message, details);
-  return {JobPhase::held, held_words(report.hold_until, now), details, true, false};
+  return {JobPhase::held, held_headline(report.hold_until, now), details, true, false};
+}
+
+std::string processing_headline(JobReport const &report) {
+  if (report.pages_done <= 0) return tr("Processing");
+  if (report.pages < report.pages_done) return tr("Processing page {0}", report.pages_done);
+  return tr("Processing page {0} of {1}", report.pages_done, report.pages);
 }
 
 JobStatus processing(JobReport const &report) {
   if (has(report.reasons, "processing-to-stop-point"))
-    return {JobPhase::processing, {"Being cancelled", {}}, {}, false, false};
-  Words headline{"Processing", {}};
-  if (report.pages_done > 0 && report.pages >= report.pages_done)
-    headline = {"Processing page %@ of %@", {std::to_string(report.pages_done), std::to_string(report.pages)}};
-  else if (report.pages_done > 0)
-    headline = {"Processing page %@", {std::to_string(report.pages_done)}};
-  std::vector<Words> details;
+    return {JobPhase::processing, tr("Being cancelled"), {}, false, false};
+  std::vector<std::string> details;
   add_message(report.message, details);
   for (auto const &more : printer_details(report)) details.push_back(more);
-  return {JobPhase::processing, headline, details, true, false};
+  return {JobPhase::processing, processing_headline(report), details, true, false};
 }
 
 // in_queue: the print service keeps the job and would go on with it if somebody told it to.
 JobStatus failed(JobReport const &report, bool in_queue) {
-  std::vector<Words> details;
+  std::vector<std::string> details;
   if (report.message != kUnexplained) add_message(report.message, details);
   if (details.empty())
-    details.push_back({"The printer's driver gave no reason. The print service's error log may have one.", {}});
-  if (in_queue) details.push_back({"The job is still in the queue; Cancel Job takes it out.", {}});
-  return {JobPhase::failed, {"Failed", {}}, details, in_queue, true};
+    details.push_back(tr("The printer's driver gave no reason. The print service's error log may have one."));
+  if (in_queue) details.push_back(tr("The job is still in the queue; Cancel Job takes it out."));
+  return {JobPhase::failed, tr("Failed"), details, in_queue, true};
 }
 
 JobStatus cancelled(JobReport const &report) {
-  std::vector<Words> details;
-  if (has(report.reasons, "job-canceled-at-device")) details.push_back({"It was cancelled at the printer.", {}});
-  if (has(report.reasons, "job-canceled-by-operator")) details.push_back({"An operator cancelled it.", {}});
-  return {JobPhase::cancelled, {"Cancelled", {}}, details, false, true};
+  std::vector<std::string> details;
+  if (has(report.reasons, "job-canceled-at-device")) details.push_back(tr("It was cancelled at the printer."));
+  if (has(report.reasons, "job-canceled-by-operator")) details.push_back(tr("An operator cancelled it."));
+  return {JobPhase::cancelled, tr("Cancelled"), details, false, true};
 }
 
 JobStatus done(JobReport const &report) {
-  std::vector<Words> details{{"The printer has taken the whole job.", {}}};
-  if (report.pages_done > 0) details.push_back({"Pages: %@", {std::to_string(report.pages_done)}});
+  std::vector<std::string> details{tr("The printer has taken the whole job.")};
+  if (report.pages_done > 0) details.push_back(tr("Pages: {0}", report.pages_done));
   if (has(report.reasons, "job-completed-with-warnings") || has(report.reasons, "job-completed-with-errors"))
     add_message(report.message, details);
-  return {JobPhase::done, {"Done", {}}, details, false, false};
+  return {JobPhase::done, tr("Done"), details, false, false};
 }
 
 }  // namespace
@@ -210,21 +214,6 @@ JobReport read_report(ipp_t *job, ipp_t *printer) {
   return report;
 }
 
-std::string Words::plain() const {
-  std::string said;
-  auto part = parts.begin();
-  for (std::size_t at = 0; at < text.size(); ++at) {
-    bool const stands_for_part = part != parts.end() && text.compare(at, 2, "%@") == 0;
-    if (!stands_for_part) {
-      said += text[at];
-      continue;
-    }
-    said += *part++;
-    ++at;
-  }
-  return said;
-}
-
 bool JobStatus::over() const {
   return phase == JobPhase::done || phase == JobPhase::failed || phase == JobPhase::cancelled ||
          phase == JobPhase::lost;
@@ -244,8 +233,8 @@ JobStatus job_status(JobReport const &report, std::time_t now) {
 
 JobStatus lost_job_status() {
   return {JobPhase::lost,
-          {"No longer in the queue", {}},
-          {{"The print service has no record of the job any more. What became of it cannot be told.", {}}},
+          tr("No longer in the queue"),
+          {tr("The print service has no record of the job any more. What became of it cannot be told.")},
           false,
           false};
 }

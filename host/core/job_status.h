@@ -1,4 +1,5 @@
-// What has become of a job, in words: from what the print service says of it to what a person reads.
+// What has become of a job, in words: from what the print service says of it to what a person reads, in the user's
+// language.
 #pragma once
 
 #include <cups/cups.h>
@@ -26,22 +27,12 @@ struct JobReport {
 // Reads the answers to Get-Job-Attributes and Get-Printer-Attributes; either may be nullptr.
 JobReport read_report(ipp_t *job, ipp_t *printer);
 
-// A sentence with its changing parts apart, so that it can be said in another language: each "%@" of text stands for
-// one of the parts, in their order.
-struct Words {
-  std::string text;
-  std::vector<std::string> parts;
-
-  std::string plain() const;
-  bool operator==(Words const &) const = default;
-};
-
 enum class JobPhase { waiting, held, processing, done, failed, cancelled, lost };
 
 struct JobStatus {
   JobPhase phase = JobPhase::waiting;
-  Words headline;
-  std::vector<Words> details;  // whole sentences, the most important one first
+  std::string headline;
+  std::vector<std::string> details;  // whole sentences, the most important one first
   bool can_cancel = false;
   bool can_retry = false;  // only after a failure or a cancel: what was done is not done twice
 

@@ -12,6 +12,8 @@
 #include <unistd.h>
 #include <utility>
 
+#include "texts/texts.h"
+
 namespace fax::host {
 
 // What the watch and its thread tell each other.
@@ -83,8 +85,8 @@ public:
     Answer answer(cupsDoRequest(connection_.get(), owned.release(), resource));
     ipp_status_t const status = cupsLastError();
     if (reply_of(status) == Reply::no_answer) {
-      error_ = deadline.over() ? "It did not answer within " + std::to_string(server_.timeout_seconds) + " seconds."
-                               : "The reason: " + last_error() + ".";
+      error_ = deadline.over() ? tr("It did not answer within {0} seconds.", server_.timeout_seconds)
+                               : tr("The reason: {0}.", last_error());
       connection_.reset();
     } else {
       error_ = last_error() + ".";
@@ -140,7 +142,7 @@ public:
         look();
       }
     } catch (std::exception const &failed) {
-      news_.trouble = std::string("The job is not followed any more: ") + failed.what() + ".";
+      news_.trouble = tr("The job is not followed any more: {0}.", failed.what());
       publish();
     }
   }
@@ -215,7 +217,7 @@ private:
     publish();
   }
 
-  void end(Words note) {
+  void end(std::string note) {
     news_.order = Order::none;
     news_.note = std::move(note);
     publish();
@@ -225,10 +227,10 @@ private:
     begin(Order::cancelling);
     auto const reply = take_out();
     // One that ended meanwhile shows at the next look.
-    if (reply == Reply::done || reply == Reply::not_possible) return end({});
+    if (reply == Reply::done || reply == Reply::not_possible) return end("");
     end(reply == Reply::not_allowed
-            ? Words{"You may not cancel this job. Ask the administrator of the queue.", {}}
-            : Words{"The job could not be cancelled: %@", {talk_.error()}});
+            ? tr("You may not cancel this job. Ask the administrator of the queue.")
+            : tr("The job could not be cancelled: {0}", talk_.error()));
   }
 
   Reply take_out() {
@@ -240,9 +242,9 @@ private:
     switch (restart()) {
       case Reply::done:
         news_.status = job_status({}, std::time(nullptr));
-        return end({"Job %@ was started again from the print service's own copy.", {std::to_string(news_.number)}});
+        return end(tr("Job {0} was started again from the print service's own copy.", news_.number));
       case Reply::no_answer:
-        return end({"Nothing was sent again: %@", {talk_.error()}});
+        return end(tr("Nothing was sent again: {0}", talk_.error()));
       default:
         return submit_again();
     }
@@ -259,21 +261,21 @@ private:
     if (news_.status.can_cancel) {
       auto const reply = take_out();
       if (reply != Reply::done && reply != Reply::not_possible)
-        return end({"Nothing was sent again, since the failed job could not be taken out of the queue: %@",
-                    {talk_.error()}});
+        return end(tr("Nothing was sent again, since the failed job could not be taken out of the queue: {0}",
+                      talk_.error()));
       news_.status.can_cancel = false;
     }
     if (!request_.document.is_unchanged())
-      return end({"The document was changed since it was sent. Print it again from its program.", {}});
+      return end(tr("The document was changed since it was sent. Print it again from its program."));
     if (began_) std::erase_if(request_.options, [](Setting const &one) { return one.key == "job-hold-until"; });
     auto const number = submit(server_, request_, [&](std::uint64_t, std::uint64_t) { return goes_on(); });
-    if (!number) return end({"%@", {number.failure().text()}});
+    if (!number) return end(number.failure().text());
     news_ = {};
     news_.number = number.value();
     news_.status = job_status({}, std::time(nullptr));
     uuid_.clear();
     began_ = false;
-    end({"The document on this computer was sent again, as job %@.", {std::to_string(news_.number)}});
+    end(tr("The document on this computer was sent again, as job {0}.", news_.number));
   }
 
   bool goes_on() {

@@ -24,7 +24,7 @@ struct JobNews {
   int number = 0;  // another one after the document was sent again
   JobStatus status;
   std::string trouble;        // why the print service cannot be asked now, a sentence; "" when it can
-  Words note;                 // what came of the last order; text is "" for nothing to say
+  std::string note;           // what came of the last order; "" for nothing to say
   Order order = Order::none;  // under way
 
   bool operator==(JobNews const &) const = default;

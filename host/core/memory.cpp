@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include "host/core/child.h"
+#include "texts/texts.h"
 
 namespace fax::host {
 
@@ -24,13 +25,15 @@ constexpr std::uintmax_t kLargestFile = 1024 * 1024;
 constexpr int kLargestSide = 32767;  // of a window, at an X server
 
 Failure not_understood(fs::path const &file) {
-  return {ExitCode::file, "What was remembered of the last use cannot be read: \"" + file.string() + "\" is broken.",
-          "It is left out; faxprint --forget removes it."};
+  return {ExitCode::file, tr("What was remembered of the last use cannot be read: \"{0}\" is broken.", file.string()),
+          tr("It is left out; {0} removes it.", "faxprint --forget")};
 }
 
 Failure not_written(fs::path const &file, int error) {
-  return {ExitCode::file, "Nothing is remembered for the next use: \"" + file.string() +
-                              "\" cannot be written: " + std::strerror(error) + ".", ""};
+  return {ExitCode::file,
+          tr("Nothing is remembered for the next use: \"{0}\" cannot be written: {1}.", file.string(),
+             std::strerror(error)),
+          ""};
 }
 
 // Throws Json::exception where the text is none of ours.
@@ -113,7 +116,7 @@ std::optional<Failure> forget_memory(fs::path const &file) {
   std::error_code failed;
   fs::remove(file, failed);
   if (!failed) return std::nullopt;
-  return Failure{ExitCode::file, "\"" + file.string() + "\" cannot be removed: " + failed.message() + ".", ""};
+  return Failure{ExitCode::file, tr("\"{0}\" cannot be removed: {1}.", file.string(), failed.message()), ""};
 }
 
 std::optional<Failure> mark_remembered(PpdFile &ppd, Memory const &memory, Queue const &queue,

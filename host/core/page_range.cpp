@@ -5,19 +5,21 @@
 #include <optional>
 #include <string_view>
 
+#include "texts/texts.h"
+
 namespace fax::host {
 
 namespace {
 
 Failure no_list(std::string_view part, int pages) {
-  return {ExitCode::usage, "\"" + std::string(part) + "\" is no page and no range of pages.",
-          pages > 1 ? "Type pages like this: 1-" + std::to_string(pages) + ", or 1," + std::to_string(pages) + "."
-                    : "The document has one page: type 1, or choose all pages."};
+  return {ExitCode::usage, tr("\"{0}\" is no page and no range of pages.", part),
+          pages > 1 ? tr("Type pages like this: 1-{0}, or 1,{0}.", pages)
+                    : tr("The document has one page: type 1, or choose all pages.")};
 }
 
 Failure no_page(std::string_view number, int pages) {
-  return {ExitCode::usage, "There is no page " + std::string(number) + ".",
-          pages == 1 ? "The document has one page." : "Choose from pages 1 to " + std::to_string(pages) + "."};
+  return {ExitCode::usage, tr("There is no page {0}.", number),
+          pages == 1 ? tr("The document has one page.") : tr("Choose from pages 1 to {0}.", pages)};
 }
 
 std::string_view trimmed(std::string_view text) {
@@ -49,8 +51,8 @@ Result<PageSpan> parse_span(std::string_view part, int pages) {
   auto const to = open_end ? pages : page_named(last, pages);
   if (!to) return no_page(last, pages);
   if (*from > *to)
-    return Failure{ExitCode::usage, "The range \"" + std::string(part) + "\" ends before it begins.",
-                   "Type it as " + std::to_string(*to) + "-" + std::to_string(*from) + "."};
+    return Failure{ExitCode::usage, tr("The range \"{0}\" ends before it begins.", part),
+                   tr("Type it as {0}-{1}.", *to, *from)};
   return PageSpan{*from, *to};
 }
 

@@ -4,6 +4,8 @@
 #include <charconv>
 #include <cstdio>
 
+#include "texts/texts.h"
+
 namespace fax::host {
 
 namespace {
@@ -15,20 +17,22 @@ constexpr std::chrono::seconds kJoinLimit{300};
 enum Code { kLocked = 3, kNotWritten = 6 };
 
 Failure cannot_look(std::string const &title, ChildEnd const &end) {
-  std::string const document = "The document \"" + title + "\"";
   switch (end.how) {
-    case ChildEnd::How::stopped: return {ExitCode::cancelled, "Reading the pages was cancelled.", ""};
-    case ChildEnd::How::late: return {ExitCode::file, document + " takes too long to read.", ""};
+    case ChildEnd::How::stopped: return {ExitCode::cancelled, tr("Reading the pages was cancelled."), ""};
+    case ChildEnd::How::late:
+      return {ExitCode::file, tr("The document \"{0}\" takes too long to read.", title), ""};
     case ChildEnd::How::not_started:
-      return {ExitCode::file, "Pages cannot be shown: a part of the program is missing.", "Install the program again."};
-    case ChildEnd::How::crashed: return {ExitCode::file, document + " is damaged, or too large to be shown.", ""};
+      return {ExitCode::file, tr("Pages cannot be shown: a part of the program is missing."),
+              tr("Install the program again.")};
+    case ChildEnd::How::crashed:
+      return {ExitCode::file, tr("The document \"{0}\" is damaged, or too large to be shown.", title), ""};
     case ChildEnd::How::exited: break;
   }
-  if (end.code == kLocked) return {ExitCode::file, document + " is locked by a password.", ""};
+  if (end.code == kLocked) return {ExitCode::file, tr("The document \"{0}\" is locked by a password.", title), ""};
   if (end.code == kNotWritten)
-    return {ExitCode::file, "The pages to send cannot be kept in a temporary file.",
-            "Make room in the folder for temporary files."};
-  return {ExitCode::file, document + " is damaged.", ""};
+    return {ExitCode::file, tr("The pages to send cannot be kept in a temporary file."),
+            tr("Make room in the folder for temporary files.")};
+  return {ExitCode::file, tr("The document \"{0}\" is damaged.", title), ""};
 }
 
 // The number that a program's answer begins with; 0 for none.
@@ -88,7 +92,8 @@ Result<Document> PageTool::join(std::vector<PagePart> const &parts, std::string 
   }
   Descriptor output = unnamed_file();
   if (!output)
-    return Failure{ExitCode::file, "No temporary file can be made.", "Make room in the folder for temporary files."};
+    return Failure{ExitCode::file, tr("No temporary file can be made."),
+                   tr("Make room in the folder for temporary files.")};
   work.handed.push_back(output.get());
   ChildEnd const end = run_child(work, stop);
   if (!end.well() || number_in(end.said) != expected) return cannot_look(title, end);

@@ -9,6 +9,8 @@
 #include <strings.h>
 #include <unistd.h>
 
+#include "texts/texts.h"
+
 namespace fax::host {
 
 namespace {
@@ -46,16 +48,17 @@ struct CloseFile {
 Failure broken(std::string const &name) {
   int line = 0;
   ppd_status_t const status = ppdLastError(&line);
-  std::string what = "The PPD file of \"" + name + "\" is broken";
-  if (line > 0) what += ", line " + std::to_string(line);
-  return {ExitCode::queue, what + ": " + ppdErrorString(status) + ".",
-          "Install the printer's driver again; cupstestppd tells all that is wrong with a PPD file."};
+  char const *const why = ppdErrorString(status);
+  return {ExitCode::queue,
+          line > 0 ? tr("The PPD file of \"{0}\" is broken, line {1}: {2}.", name, line, why)
+                   : tr("The PPD file of \"{0}\" is broken: {1}.", name, why),
+          tr("Install the printer's driver again; {0} tells all that is wrong with a PPD file.", "cupstestppd")};
 }
 
 Failure no_answer(std::string const &queue) {
   return {ExitCode::queue,
-          "The print service (CUPS) did not hand out the PPD file of \"" + queue + "\": " + last_error() + ".",
-          "See its error log, or try again."};
+          tr("The print service (CUPS) did not hand out the PPD file of \"{0}\": {1}.", queue, last_error()),
+          tr("See its error log, or try again.")};
 }
 
 // Not cupsGetPPD3: for a local service it takes /etc/cups/ppd/NAME.ppd of the machine, also where the connection leads
@@ -97,14 +100,13 @@ bool PpdFile::copy_of_queue(Server const &server, std::string const &queue, int 
 Result<std::unique_ptr<PpdFile>> PpdFile::of_queue(http_t *connection, std::string const &queue) {
   std::unique_ptr<std::FILE, CloseFile> const file(std::tmpfile());
   if (!file)
-    return Failure{ExitCode::queue, std::string("No temporary file can be made: ") + std::strerror(errno) + ".",
-                   "Make room in the folder for temporary files."};
+    return Failure{ExitCode::queue, tr("No temporary file can be made: {0}.", std::strerror(errno)),
+                   tr("Make room in the folder for temporary files.")};
   http_status_t const status = fetch(connection, queue, fileno(file.get()));
   if (status == HTTP_STATUS_NOT_FOUND) {
     auto const exists = queue_exists(connection, queue);
     if (!exists) return no_answer(queue);
-    if (!*exists)
-      return Failure{ExitCode::queue, "There is no print queue \"" + queue + "\".", "faxprint --list shows them."};
+    if (!*exists) return no_such_queue(queue);
     return std::unique_ptr<PpdFile>();
   }
   if (status != HTTP_STATUS_OK) return no_answer(queue);
@@ -118,12 +120,14 @@ Result<std::unique_ptr<PpdFile>> PpdFile::open(std::string const &path, std::str
   int const descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (descriptor < 0)
     return Failure{ExitCode::queue,
-                   "The PPD file \"" + path + "\" of \"" + name + "\" cannot be read: " + std::strerror(errno) + ".",
-                   ""};
+                   tr("The PPD file \"{0}\" of \"{1}\" cannot be read: {2}.", path, name, std::strerror(errno)), ""};
   ppd_file_t *const ppd = ppdOpenFd(descriptor);  // closes it
   if (ppd == nullptr) return broken(name);
   return std::unique_ptr<PpdFile>(new PpdFile(ppd));
 }
+
+// In the language that speak() chose, where the file has it.
+PpdFile::PpdFile(ppd_file_t *owned) : ppd_(owned) { ppdLocalize(ppd_); }
 
 PpdFile::~PpdFile() { ppdClose(ppd_); }
 
@@ -162,22 +166,26 @@ std::optional<Failure> PpdFile::mark_initial(std::vector<Setting> const &queue_d
 
 MarkResult PpdFile::mark(std::string const &keyword, std::string const &choice) {
   ppd_option_t *const option = ppdFindOption(ppd_, keyword.c_str());
-  if (option == nullptr) return {false, "The printer has no option \"" + keyword + "\"."};
+  if (option == nullptr) return {false, tr("The printer has no option \"{0}\".", keyword)};
   ppd_choice_t *const wanted = ppdFindChoice(option, choice.c_str());
   if (wanted == nullptr)
-    return {false, std::string("\"") + option->text + "\" has no choice \"" + choice + "\"."};
+    return {false, tr("\"{0}\" has no choice \"{1}\".", option->text, choice)};
 
   CupsOptions conflicts;
   conflicts.count = cupsGetConflicts(ppd_, option->keyword, wanted->choice, &conflicts.list);
   if (conflicts.count > 0) {
-    std::string reason = std::string("\"") + option->text + "\" cannot be \"" + wanted->text + "\" while ";
+    std::string others;
     for (int at = 0; at < conflicts.count; ++at) {
       ppd_option_t *const other = ppdFindOption(ppd_, conflicts.list[at].name);
       ppd_choice_t *const its = other != nullptr ? ppdFindChoice(other, conflicts.list[at].value) : nullptr;
-      reason += std::string(at > 0 ? " and \"" : "\"") + (other != nullptr ? other->text : conflicts.list[at].name) +
-                "\" is \"" + (its != nullptr ? its->text : conflicts.list[at].value) + "\"";
+      //: An option of the printer and its setting, as part of the reason why another one is not possible.
+      std::string const one = tr("\"{0}\" is \"{1}\"", other != nullptr ? other->text : conflicts.list[at].name,
+                                 its != nullptr ? its->text : conflicts.list[at].value);
+      //: Joins two or more reasons of that kind.
+      others = others.empty() ? one : tr("{0} and {1}", others, one);
     }
-    return {false, reason + "."};
+    //: {2} is a list of such reasons.
+    return {false, tr("\"{0}\" cannot be \"{1}\" while {2}.", option->text, wanted->text, others)};
   }
 
   ppdMarkOption(ppd_, option->keyword, is_custom(choice) ? choice.c_str() : wanted->choice);

@@ -108,7 +108,7 @@ public:
   std::optional<std::string> attribute(std::string const &name) const;
 
 private:
-  explicit PpdFile(ppd_file_t *owned) : ppd_(owned) {}
+  explicit PpdFile(ppd_file_t *owned);
   void for_each_option(std::function<void(ppd_group_t const &, ppd_option_t &)> const &visit) const;
 
   ppd_file_t *ppd_;

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "texts/texts.h"
+
 namespace fax::host {
 
 namespace {
@@ -101,14 +103,15 @@ std::string PrintPlan::title() const {
   if (documents_.size() == 1) return first;
   std::string const all = documents_.size() == 2
                               ? first + ", " + documents_[1].source.title()
-                              : first + " and " + std::to_string(documents_.size() - 1) + " more";
+                              //: The title of a job of several documents: the first one's, and how many others.
+                              : tr("{0} and {1} more", first, documents_.size() - 1);
   return all.size() <= kLongestTitle ? all : first;
 }
 
 Result<std::vector<PageSpan>> PrintPlan::chosen() const {
   if (auto const known = pages()) return parse_page_range(range_, *known);
-  auto failed = problem().value_or(Failure{ExitCode::file, "The pages are still being read.", "Try again soon."});
-  failed.advice = documents_.size() > 1 ? "Print this document by itself." : "Print all pages of it.";
+  auto failed = problem().value_or(Failure{ExitCode::file, tr("The pages are still being read."), tr("Try again soon.")});
+  failed.advice = documents_.size() > 1 ? tr("Print this document by itself.") : tr("Print all pages of it.");
   return failed;
 }
 

@@ -5,6 +5,7 @@
 #include <numeric>
 
 #include "host/core/ppd_file.h"
+#include "texts/texts.h"
 
 namespace fax::host {
 
@@ -87,11 +88,11 @@ std::string names_to_offer(std::vector<Queue> const &queues, std::string const &
     all.push_back(queue.name);
     if (distance(wanted, queue.name) <= std::max<std::size_t>(1, wanted.size() / 3)) close.push_back(queue.name);
   }
-  if (!close.empty()) return "Did you mean " + quoted_list(close) + "?";
-  return "The queues are: " + quoted_list(all) + ".";
+  if (!close.empty()) return tr("Did you mean {0}?", quoted_list(close));
+  return tr("The queues are: {0}.", quoted_list(all));
 }
 
-constexpr char kAddQueue[] = "Add one with the system's printer settings or with lpadmin.";
+constexpr char const *kAddQueue = mark("Add one with the system's printer settings or with lpadmin.");
 
 }  // namespace
 
@@ -106,8 +107,8 @@ Result<std::vector<Queue>> list_queues(Server const &server) {
   if (destinations.count == 0 && cupsLastError() != IPP_STATUS_ERROR_NOT_FOUND &&
       cupsLastError() > IPP_STATUS_OK_EVENTS_COMPLETE)
     return Failure{ExitCode::queue,
-                   std::string("The print service (CUPS) did not list its queues: ") + last_error() + ".",
-                   "See its error log, or try again."};
+                   tr("The print service (CUPS) did not list its queues: {0}.", last_error()),
+                   tr("See its error log, or try again.")};
 
   std::vector<Queue> queues;
   for (int at = 0; at < destinations.count; ++at) {
@@ -129,29 +130,36 @@ Result<std::vector<Queue>> list_queues(Server const &server) {
 }
 
 Result<Queue> choose_queue(std::vector<Queue> const &queues, std::optional<std::string> const &name) {
-  if (queues.empty()) return Failure{ExitCode::queue, "The print service (CUPS) has no print queues.", kAddQueue};
+  if (queues.empty())
+    return Failure{ExitCode::queue, tr("The print service (CUPS) has no print queues."), tr(kAddQueue)};
   auto const found = std::find_if(queues.begin(), queues.end(), [&](Queue const &queue) {
     return name ? queue.name == *name : queue.is_default || queues.size() == 1;
   });
   if (found != queues.end()) return *found;
-  if (name)
-    return Failure{ExitCode::queue, "There is no print queue \"" + *name + "\".", names_to_offer(queues, *name)};
-  return Failure{ExitCode::queue, "There is no default print queue.",
-                 "Choose one with --printer. " + names_to_offer(queues, "")};
+  if (name) {
+    Failure failure = no_such_queue(*name);
+    failure.advice = names_to_offer(queues, *name);
+    return failure;
+  }
+  return Failure{ExitCode::queue, tr("There is no default print queue."),
+                 tr("Choose one with {0}.", "--printer") + " " + names_to_offer(queues, "")};
 }
 
 std::string queue_table(std::vector<Queue> const &queues) {
-  if (queues.empty()) return std::string("There are no print queues. ") + kAddQueue + "\n";
+  if (queues.empty()) return tr("There are no print queues.") + " " + tr(kAddQueue) + "\n";
   std::size_t width = 0;
   for (auto const &queue : queues) width = std::max(width, queue.name.size());
   std::string table;
   for (auto const &queue : queues) {
     std::vector<std::string> notes;
-    if (queue.is_default) notes.emplace_back("default");
-    if (queue.fax_capable) notes.emplace_back("fax");
-    if (queue.state == QueueState::stopped) notes.emplace_back("stopped");
-    if (queue.state == QueueState::printing) notes.emplace_back("printing");
-    if (!queue.accepts_jobs) notes.emplace_back("rejects jobs");
+    //: In the list of queues: the one that is used unless another one is named.
+    if (queue.is_default) notes.push_back(tr("default"));
+    //: In the list of queues: one that can fax.
+    if (queue.fax_capable) notes.push_back(tr("fax"));
+    //: In the list of queues, as the next two: what the queue does now.
+    if (queue.state == QueueState::stopped) notes.push_back(tr("stopped"));
+    if (queue.state == QueueState::printing) notes.push_back(tr("printing"));
+    if (!queue.accepts_jobs) notes.push_back(tr("rejects jobs"));
     std::string line = queue.name + std::string(width - queue.name.size() + 2, ' ') + queue.display_name();
     if (!queue.location.empty()) line += ", " + queue.location;
     for (std::size_t at = 0; at < notes.size(); ++at) line += (at == 0 ? " (" : ", ") + notes[at];

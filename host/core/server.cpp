@@ -2,6 +2,8 @@
 
 #include <unistd.h>
 
+#include "texts/texts.h"
+
 namespace fax::host {
 
 namespace {
@@ -11,11 +13,13 @@ int give_up(http_t *, void *) { return 0; }
 // The dialog has no terminal to ask on; a request that needs a password fails as not authorized instead.
 char const *no_password(char const *, http_t *, char const *, char const *, void *) { return nullptr; }
 
-// Found out after a failed attempt: httpConnect2 itself gives no reason.
-std::string why_not(Server const &server, bool known, bool in_time) {
-  if (server.address.starts_with('/') && access(server.address.c_str(), F_OK) != 0) return "its socket does not exist";
-  if (!known) return "the address is not known";
-  return in_time ? "nothing listens there" : "it did not answer in time";
+// A sentence with the service's address in it. Found out after a failed attempt: httpConnect2 itself gives no reason.
+char const *unreached(Server const &server, bool known, bool in_time) {
+  if (server.address.starts_with('/') && access(server.address.c_str(), F_OK) != 0)
+    return mark("The print service (CUPS) at {0} cannot be reached: its socket does not exist.");
+  if (!known) return mark("The print service (CUPS) at {0} cannot be reached: the address is not known.");
+  return in_time ? mark("The print service (CUPS) at {0} cannot be reached: nothing listens there.")
+                 : mark("The print service (CUPS) at {0} cannot be reached: it did not answer in time.");
 }
 
 int not_over(http_t *, void *deadline) { return static_cast<Deadline const *>(deadline)->over() ? 0 : 1; }
@@ -49,14 +53,20 @@ Result<Connection> connect(Server const &server) {
     bool const in_time = std::chrono::steady_clock::now() - start < limit;
     std::string const where = socket ? server.address : server.address + ":" + std::to_string(server.port);
     return Failure{ExitCode::queue,
-                   "The print service (CUPS) at " + where +
-                       " cannot be reached: " + why_not(server, addresses != nullptr, in_time) + ".",
+                   tr(unreached(server, addresses != nullptr, in_time), where),
                    socket || server.address == "localhost"
-                       ? "Start it, for example with: sudo systemctl start cups."
-                       : "Check that it runs there, and that CUPS_SERVER or client.conf names the right server."};
+                       ? tr("Start it, for example with: {0}.", "sudo systemctl start cups")
+                       : tr("Check that it runs there, and that {0} or {1} names the right server.", "CUPS_SERVER",
+                            "client.conf")};
   }
   httpSetTimeout(connection.get(), server.timeout_seconds, give_up, nullptr);
   return connection;
+}
+
+Failure no_such_queue(std::string const &queue) {
+  return {ExitCode::queue, tr("There is no print queue \"{0}\".", queue),
+          //: "them" are the print queues that there are.
+          tr("{0} shows them.", "faxprint --list")};
 }
 
 std::string last_error() {

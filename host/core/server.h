@@ -29,6 +29,8 @@ using Connection = std::unique_ptr<http_t, CloseConnection>;
 // missing socket, an unknown or a refusing address from a service that does not answer in time.
 Result<Connection> connect(Server const &server);
 
+Failure no_such_queue(std::string const &queue);
+
 // CUPS's sentence about this thread's last request, without a full stop, to stand inside a sentence of ours.
 std::string last_error();
 

@@ -1,10 +1,13 @@
 #include "host/core/ppd_file.h"
 
+#include <clocale>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
 #include <sstream>
+
+#include "texts/texts.h"
 
 namespace fax::host {
 namespace {
@@ -38,6 +41,19 @@ TEST(PpdFile, FeaturesInGroupsWithoutTheTechnicalOnes) {
   ASSERT_EQ(duplex.choices.size(), 3u);
   EXPECT_EQ(duplex.choices[1].text, "Long Edge");
   EXPECT_EQ(duplex.default_choice, "None");
+}
+
+// Whatever the locale is, and whether or not it is installed.
+TEST(PpdFile, SpeaksTheLanguageOfTheProgram) {
+  setenv("LC_ALL", "en_US.UTF-8", 1);
+  setenv("LANGUAGE", "de:fr", 1);
+  speak({});
+  auto const paper = fax_ppd()->features().at(0).features.at(1);
+  for (auto const *const name : {"LC_ALL", "LANGUAGE", "LC_MESSAGES"}) unsetenv(name);
+  std::setlocale(LC_ALL, "C");
+  EXPECT_EQ(paper.text, "Papierart");
+  EXPECT_EQ(paper.choices.at(0).text, "Plain Paper") << "the file has no translation of it";
+  EXPECT_EQ(paper.choices.at(1).text, "Folie");
 }
 
 TEST(PpdFile, ExtensionsAndFax) {

@@ -3,7 +3,7 @@
 #include <cstdlib>
 
 #import "host/HostScreenMap.h"
-#import "host/text.h"
+#import "toolkit/text.h"
 
 @implementation SilentAlerts
 - (id)init {
@@ -29,6 +29,8 @@
 @end
 
 namespace fax::host {
+
+using namespace toolkit;
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include "dialog_fixture.h"
 
 #import "host/HostScreenMap.h"
-#import "host/text.h"
+#import "toolkit/text.h"
 
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -16,6 +16,9 @@ using testing::Not;
 using testing::Contains;
 
 namespace fax::host {
+
+using namespace toolkit;
+
 namespace {
 
 TEST_F(Dialog, AsksTheExtensionInOrderAndShowsItsPanelFirst) {

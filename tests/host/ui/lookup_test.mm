@@ -8,7 +8,7 @@
 #include "dialog_fixture.h"
 #include "silent_network.h"
 
-#import "host/text.h"
+#import "toolkit/text.h"
 
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -32,6 +32,9 @@ using Clock = std::chrono::steady_clock;
 @end
 
 namespace fax::host {
+
+using namespace toolkit;
+
 namespace {
 
 // The device URIs of the two queues, as the next dialog finds them.

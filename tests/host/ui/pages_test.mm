@@ -7,12 +7,15 @@
 #include "../core/small_pdf.h"
 #include "dialog_fixture.h"
 
-#import "host/text.h"
+#import "toolkit/text.h"
 
 using testing::ElementsAre;
 using testing::HasSubstr;
 
 namespace fax::host {
+
+using namespace toolkit;
+
 namespace {
 
 class PagesDialog : public Dialog {

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <sys/wait.h>
@@ -14,8 +15,8 @@ struct Ended {
   std::string said;
 };
 
-Ended run(std::string const &environment, std::string const &arguments) {
-  std::string const command = "cd / && env -u DISPLAY " + environment + " " FAXPRINT " " + arguments + " 2>&1";
+Ended run(std::string const &environment, std::string const &arguments, std::string const &program = FAXPRINT) {
+  std::string const command = "cd / && env -u DISPLAY " + environment + " " + program + " " + arguments + " 2>&1";
   Ended ended;
   std::FILE *pipe = popen(command.c_str(), "r");
   char buffer[4096];
@@ -33,9 +34,9 @@ struct ProgramCase {
   char const *says;
 };
 
-class Program : public testing::TestWithParam<ProgramCase> {};
+class ProgramEnds : public testing::TestWithParam<ProgramCase> {};
 
-TEST_P(Program, EndsAsDocumented) {
+TEST_P(ProgramEnds, AsDocumented) {
   auto const ended = run(GetParam().environment, GetParam().arguments);
   EXPECT_EQ(ended.code, GetParam().code) << ended.said;
   EXPECT_NE(ended.said.find(GetParam().says), std::string::npos) << ended.said;
@@ -44,10 +45,30 @@ TEST_P(Program, EndsAsDocumented) {
   }
 }
 
+// A copy of the program, as it would be installed with another catalogue.
+TEST(Program, SpeaksTheUsersLanguage) {
+  namespace fs = std::filesystem;
+  std::string name = (fs::temp_directory_path() / "spoken.XXXXXX").string();
+  fs::path const folder = mkdtemp(name.data());
+  fs::create_directory(folder / "faxprint.app");
+  fs::copy_file(FAXPRINT, folder / "faxprint.app/faxprint");
+  for (auto const &library : fs::directory_iterator(fs::path(FAXPRINT).parent_path().parent_path()))
+    if (library.path().filename().string().starts_with("libdirectfax"))
+      fs::create_symlink(library.path(), folder / library.path().filename());
+  fs::create_symlink(TRY_CATALOGUES, folder / "locale");
+  for (auto const *const environment : {"-u LANGUAGE -u LC_MESSAGES LC_ALL=de_AT.UTF-8",
+                                        "-u LC_ALL -u LC_MESSAGES LANG=en_US.UTF-8 LANGUAGE=ja:de"}) {
+    auto const ended = run(environment, "--help", (folder / "faxprint.app/faxprint").string());
+    EXPECT_NE(ended.said.find("\nEndet mit:\n"), std::string::npos) << environment << "\n" << ended.said;
+    EXPECT_NE(ended.said.find("\nExamples:\n"), std::string::npos) << "not in the catalogue";
+  }
+  fs::remove_all(folder);
+}
+
 constexpr char kNoService[] = "CUPS_SERVER=/nowhere/cups.sock";
 
 INSTANTIATE_TEST_SUITE_P(
-    Table, Program,
+    Table, ProgramEnds,
     testing::Values(ProgramCase{"help", "", "--help", 0, "--printer"},
                     ProgramCase{"version", "", "--version", 0, "faxprint"},
                     ProgramCase{"unknown_option", "", "--nonsense", 2, "--nonsense"},

@@ -12,7 +12,7 @@
 
 #import "host/HostScreenMap.h"
 #import "host/HostStatusWindow.h"
-#import "host/text.h"
+#import "toolkit/text.h"
 
 using testing::HasSubstr;
 using Clock = std::chrono::steady_clock;
@@ -29,6 +29,9 @@ using Clock = std::chrono::steady_clock;
 @end
 
 namespace fax::host {
+
+using namespace toolkit;
+
 namespace {
 
 class StatusWindow : public testing::Test {
