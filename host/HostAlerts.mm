@@ -9,6 +9,7 @@ using namespace fax::toolkit;
 - (void)tell:(NSString *)what advice:(NSString *)advice {
   NSAlert *alert = [[NSAlert alloc] init];
   NSString *const text = [advice length] ? [NSString stringWithFormat:@"%@\n\n%@", what, advice] : what;
+  //: The title of a message from the print dialog.
   [alert setMessageText:ns(tr("Print"))];
   [alert setInformativeText:text];
   // What nothing can be done about is news, not a warning.

@@ -143,11 +143,13 @@ std::string first_title(DialogRequest const &request) {
   for (std::size_t at = 0; at < request.queues.size(); ++at) {
     Queue const &queue = request.queues[at];
     std::string const &name = queue.display_name();
+    //: The name of a queue that can fax.
     [titles addObject:ns(queue.fax_capable ? tr("{0} (fax)", name) : name)];
     if (queue.name == request.queue.name) _state->queue = at;
   }
   fill_pop_up([_window printerPopUp], titles);
   [[_window printerPopUp] selectItemAtIndex:static_cast<NSInteger>(_state->queue)];
+  //: Where the job goes: to the printer, into a file, or into a window that shows it.
   fill_pop_up([_window destinationPopUp], [NSArray arrayWithObjects:ns(tr("Printer")), ns(tr("Save as File…")),
                                                                     ns(tr("Preview")), nil]);
   [[_window destinationPopUp] selectItemAtIndex:static_cast<NSInteger>(request.command_line.destination)];
@@ -324,6 +326,7 @@ std::string first_title(DialogRequest const &request) {
 }
 
 - (SummarySection)dialogSummary {
+  //: The heading of a table of what will be printed; the next five are its rows.
   SummarySection own{tr("Print Job"), {}};
   own.rows.push_back({tr("Printer"), utf8([[_window printerPopUp] titleOfSelectedItem])});
   own.rows.push_back({tr("Destination"), utf8([[_window destinationPopUp] titleOfSelectedItem])});

@@ -90,8 +90,10 @@ static CGFloat const kNarrowGap = 3;  // between a control and the line that bel
   printerLabel = make_label(ns(tr("Printer:")), NSRightTextAlignment);
   printerPopUp = make_pop_up(_target, @selector(choosePrinter:));
   printerStatus = make_label(@"", NSLeftTextAlignment);
+  //: Where the job goes: to the printer, into a file or to a preview.
   destinationLabel = make_label(ns(tr("Destination:")), NSRightTextAlignment);
   destinationPopUp = make_pop_up(_target, @selector(chooseDestination:));
+  //: Before the list of panels of options, such as "Fax Settings".
   panelLabel = make_label(ns(tr("Options:")), NSRightTextAlignment);
   panelPopUp = make_pop_up(_target, @selector(choosePanel:));
   panelArea = [[[NSBox alloc] initWithFrame:NSMakeRect(0, 0, 100, 100)] autorelease];
@@ -101,12 +103,14 @@ static CGFloat const kNarrowGap = 3;  // between a control and the line that bel
   statusLine = make_label(@"", NSLeftTextAlignment);
   helpButton = make_button(ns(tr("Help")), _target, @selector(help:));
   cancelButton = make_button(ns(tr("Cancel")), _target, @selector(cancel:));
+  //: The button that prints.
   printButton = make_button(ns(tr("Print")), self, @selector(printPressed:));
   [cancelButton setKeyEquivalent:@"\e"];
   [printButton setKeyEquivalent:@"\r"];
 }
 
 - (void)makeCopies:(int)copies {
+  //: How many copies are printed.
   copiesLabel = make_label(ns(tr("Copies:")), NSRightTextAlignment);
   copiesField = [[[NSTextField alloc] initWithFrame:NSMakeRect(0, 0, 60, kRow)] autorelease];
   [copiesField setFont:[NSFont systemFontOfSize:0]];

@@ -118,6 +118,7 @@ static Boolean ShowForAppleHelp(CFURLRef page, CFStringRef anchor, void *context
                                                     NSUnderlineStyleAttributeName, nil]];
   [textView setDelegate:(id)self];
   [scroller setDocumentView:textView];
+  //: Buttons of the help window: to the page before, to the next, and closing it.
   backButton = make_button(ns(tr("Back")), self, @selector(goBack:));
   forwardButton = make_button(ns(tr("Forward")), self, @selector(goForward:));
   closeButton = make_button(ns(tr("Close")), panel, @selector(performClose:));

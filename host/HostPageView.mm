@@ -107,6 +107,7 @@ static CGFloat const kTextRow = 18;
     if (_left) {
       [[NSColor colorWithCalibratedWhite:1 alpha:0.75] set];
       NSRectFillUsingOperation(page, NSCompositeSourceOver);
+      //: On the picture of a page that is left out.
       [self drawText:ns(tr("Not sent")) color:[NSColor blackColor]];
     }
     [[NSColor controlShadowColor] set];

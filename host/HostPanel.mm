@@ -48,6 +48,7 @@ static BOOL Asked(HostPanel *self, id panel, id<HostPanelOwner> owner, SEL opera
   if (_name) return _name;
   NSString *name = nil;
   Asked(self, _panel, _owner, @selector(panelName), [&](id<PDEPanel> panel) { name = [panel panelName]; });
+  //: The name of a panel that has none.
   if (![name isKindOfClass:[NSString class]] || [name length] == 0) name = ns(tr("Extension"));
   _name = [name copy];
   return _name;

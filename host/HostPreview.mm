@@ -136,6 +136,7 @@ Result<Document> prepared(PrintPlan &plan, HostPreviewState const &state) {
   nextPageButton = [self small:@"›" toolTip:ns(tr("Next page")) action:@selector(nextPage:)];
   pageLabel = make_label(@"", NSCenterTextAlignment);
   rangePopUp = make_pop_up(self, @selector(chooseRange:));
+  //: Which pages are sent; a field for their numbers stands behind the second.
   fill_pop_up(rangePopUp, [NSArray arrayWithObjects:ns(tr("All Pages")), ns(tr("Only Pages")), nil]);
   rangeField = [[[NSTextField alloc] initWithFrame:NSMakeRect(0, 0, 60, kRow)] autorelease];
   [rangeField setFont:[NSFont systemFontOfSize:0]];
@@ -235,6 +236,7 @@ Result<Document> prepared(PrintPlan &plan, HostPreviewState const &state) {
   int const all = *_state->plan.pages();
   int const sent = pages_in(chosen.value());
   if (sent == all) return [NSString stringWithFormat:@"%d", all];
+  //: How many of how many pages, and which.
   return ns(tr("{0} of {1} ({2})", sent, all, page_range_text(chosen.value())));
 }
 

@@ -151,7 +151,8 @@ struct HostPrinterFinderState {
   if (![self takeAnswer]) {
     bool const unreached = _state->place.route == Route::service && !_state->discovery_reached;
     LookupAnswer const late{unreached ? Outcome::no_discovery : Outcome::silent, std::nullopt,
-                            "no answer within " + std::to_string(kAddressLimit.count()) + " seconds"};
+                            //: A reason, to stand inside a sentence.
+                            tr("no answer within {0} seconds", kAddressLimit.count())};
     [self accept:late];
   }
   [_owner finderDidAnswer:self];

@@ -70,6 +70,7 @@ using namespace fax::toolkit;
 - (void)cancel:(id)sender {
   _cancelled = YES;
   [_cancelButton setEnabled:NO];
+  //: What a window says from the press of Cancel until the work has ended.
   [_amount setStringValue:ns(tr("Cancelling…"))];
 }
 

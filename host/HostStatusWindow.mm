@@ -111,6 +111,7 @@ static CGFloat HeightOf(NSTextField *field, CGFloat width) {
   [_headline setFont:[NSFont boldSystemFontOfSize:[NSFont systemFontSize] * 1.4]];
   _details = Paragraph();
   _cancelButton = make_button(ns(tr("Cancel Job")), self, @selector(cancelJob:));
+  //: The button that sends a job again after it failed.
   _retryButton = make_button(ns(tr("Retry")), self, @selector(retry:));
   _closeButton = make_button(ns(tr("OK")), _window, @selector(performClose:));
   [_closeButton setKeyEquivalent:@"\r"];

@@ -25,6 +25,7 @@ static std::string const kTitleMark(1, '\0');
   [_view setBorderType:NSBezelBorder];
   [_view setAutoresizingMask:NSViewWidthSizable | NSViewHeightSizable];
   _table = [[NSTableView alloc] initWithFrame:frame];
+  //: The headings of a table.
   [self addColumn:@"label" title:ns(tr("Setting")) width:150];
   [self addColumn:@"value" title:ns(tr("Value")) width:240];
   [_table setColumnAutoresizingStyle:NSTableViewLastColumnOnlyAutoresizingStyle];

@@ -23,6 +23,7 @@
 #import "host/HostStatusWindow.h"
 #import "host/controls.h"
 #import "host/fence.h"
+#import "toolkit/gnustep_texts.h"
 #import "toolkit/text.h"
 #import "host/theme/FaxTheme.h"
 
@@ -255,6 +256,7 @@ static int Run(std::vector<std::string> const &arguments) {
 
 int main(int argc, char **argv) {
   fax::speak(fax::catalogue_folders());
+  translate_gnustep();
   // The toolkit reads the arguments too and would open a file named there as a document of its own.
   char program[] = "faxprint";
   char *own[] = {argc > 0 ? argv[0] : program, nullptr};

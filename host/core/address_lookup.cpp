@@ -81,6 +81,7 @@ LookupAnswer look_up_name(std::string const &name) {
   std::unique_ptr<addrinfo, decltype(&freeaddrinfo)> const owner(list, &freeaddrinfo);
   for (addrinfo const *entry = list; entry != nullptr; entry = entry->ai_next)
     if (auto address = numeric_address(entry->ai_addr)) return {LookupAnswer::Outcome::found, std::move(address), ""};
+  //: A reason, to stand inside a sentence.
   return {LookupAnswer::Outcome::failed, std::nullopt, tr("No address of a known kind")};
 }
 
@@ -176,6 +177,7 @@ LookupAnswer reach_discovery() { return ServiceQuestion().reach(); }
 LookupAnswer look_up_service(std::string const &service, std::chrono::milliseconds limit) {
   std::string const front = service.substr(0, service.find("._tcp"));
   auto const dot = front.rfind('.');
+  //: A reason, to stand inside a sentence.
   if (dot == std::string::npos) return {LookupAnswer::Outcome::failed, std::nullopt, tr("The service has no name")};
   return ServiceQuestion().ask(front.substr(0, dot), front.substr(dot + 1) + "._tcp", limit);
 }

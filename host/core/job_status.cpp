@@ -47,6 +47,7 @@ char const *meaning_of(std::string_view keyword, auto const &table) {
 
 // The named times of job-hold-until. When an evening begins is the print service's affair.
 constexpr std::array kHoldNames = {
+    //: The next ones: the state of a job that waits for a time or a person.
     Meaning{"indefinite", mark("Held until it is released")}, Meaning{"day-time", mark("Held until the day")},
     Meaning{"evening", mark("Held until the evening")},       Meaning{"night", mark("Held until the night")},
     Meaning{"second-shift", mark("Held until the second shift")},
@@ -144,6 +145,7 @@ JobStatus waiting(JobReport const &report) {
   if (report.printer_state == IPP_PSTATE_PROCESSING) details.push_back(tr("The printer works on another job."));
   // A backend that is tried again leaves the job waiting, with its last word.
   add_message(report.message, details);
+  //: The state of a job in the queue.
   return {JobPhase::waiting, tr("Waiting"), details, true, false};
 }
 
@@ -175,6 +177,7 @@ JobStatus failed(JobReport const &report, bool in_queue) {
   if (details.empty())
     details.push_back(tr("The printer's driver gave no reason. The print service's error log may have one."));
   if (in_queue) details.push_back(tr("The job is still in the queue; Cancel Job takes it out."));
+  //: The state of a job.
   return {JobPhase::failed, tr("Failed"), details, in_queue, true};
 }
 
@@ -182,6 +185,7 @@ JobStatus cancelled(JobReport const &report) {
   std::vector<std::string> details;
   if (has(report.reasons, "job-canceled-at-device")) details.push_back(tr("It was cancelled at the printer."));
   if (has(report.reasons, "job-canceled-by-operator")) details.push_back(tr("An operator cancelled it."));
+  //: The state of a job.
   return {JobPhase::cancelled, tr("Cancelled"), details, false, true};
 }
 
@@ -190,6 +194,7 @@ JobStatus done(JobReport const &report) {
   if (report.pages_done > 0) details.push_back(tr("Pages: {0}", report.pages_done));
   if (has(report.reasons, "job-completed-with-warnings") || has(report.reasons, "job-completed-with-errors"))
     add_message(report.message, details);
+  //: The state of a job that the printer has taken.
   return {JobPhase::done, tr("Done"), details, false, false};
 }
 

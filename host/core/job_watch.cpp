@@ -244,6 +244,7 @@ private:
         news_.status = job_status({}, std::time(nullptr));
         return end(tr("Job {0} was started again from the print service's own copy.", news_.number));
       case Reply::no_answer:
+        //: {0} is a whole sentence with its full stop, here and wherever a text ends with a placeholder.
         return end(tr("Nothing was sent again: {0}", talk_.error()));
       default:
         return submit_again();

@@ -88,6 +88,7 @@ std::string names_to_offer(std::vector<Queue> const &queues, std::string const &
     all.push_back(queue.name);
     if (distance(wanted, queue.name) <= std::max<std::size_t>(1, wanted.size() / 3)) close.push_back(queue.name);
   }
+  //: {0} is one or more names in quotes, with commas.
   if (!close.empty()) return tr("Did you mean {0}?", quoted_list(close));
   return tr("The queues are: {0}.", quoted_list(all));
 }

@@ -16,6 +16,7 @@ char const *no_password(char const *, http_t *, char const *, char const *, void
 // A sentence with the service's address in it. Found out after a failed attempt: httpConnect2 itself gives no reason.
 char const *unreached(Server const &server, bool known, bool in_time) {
   if (server.address.starts_with('/') && access(server.address.c_str(), F_OK) != 0)
+    //: {0} is an address or the path of a socket, as in the next ones.
     return mark("The print service (CUPS) at {0} cannot be reached: its socket does not exist.");
   if (!known) return mark("The print service (CUPS) at {0} cannot be reached: the address is not known.");
   return in_time ? mark("The print service (CUPS) at {0} cannot be reached: nothing listens there.")

@@ -7,6 +7,7 @@
 
 #import "host/theme/drawing.h"
 #include "platform/gnustep/repair.h"
+#import "toolkit/text.h"
 
 using namespace fax::theme;
 
@@ -80,7 +81,7 @@ static CGFloat WidthOfAll(NSArray *buttons) {
 @implementation FaxAlertPanel
 
 - (id)initWithAlert:(NSAlert *)alert {
-  if ([[alert buttons] count] == 0) [alert addButtonWithTitle:@"OK"];
+  if ([[alert buttons] count] == 0) [alert addButtonWithTitle:fax::toolkit::ns(fax::tr("OK"))];
   NSFont *plain = [NSFont systemFontOfSize:0];
   NSFont *bold = [NSFont boldSystemFontOfSize:[plain pointSize] + 1];
   NSString *message = [alert messageText] ? [alert messageText] : @"";
@@ -103,7 +104,9 @@ static CGFloat WidthOfAll(NSArray *buttons) {
   [self setReleasedWhenClosed:NO];
   [self setHidesOnDeactivate:NO];
   [self setLevel:NSModalPanelWindowLevel];
-  [self setTitle:@"Alert"];  // what the toolkit calls its own, and where people and scripts look for it
+  // What the toolkit calls its own, and where people and scripts look for it.
+  //: The title of a window with a message.
+  [self setTitle:fax::toolkit::ns(fax::tr("Alert"))];
 
   CGFloat const top = whole.height - kEdge;
   NSView *content = [self contentView];
