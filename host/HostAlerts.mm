@@ -1,5 +1,6 @@
 #import "host/HostAlerts.h"
 
+#import "toolkit/gnustep_texts.h"
 #import "toolkit/text.h"
 
 using namespace fax::toolkit;
@@ -22,6 +23,7 @@ using namespace fax::toolkit;
 - (NSString *)askPathFor:(NSString *)proposedName {
   NSSavePanel *panel = [NSSavePanel savePanel];
   [panel setTitle:ns(tr("Save as File"))];
+  fit_buttons(panel);
   NSInteger const answer = [panel runModalForDirectory:NSHomeDirectory() file:proposedName];
   return answer == NSOKButton ? [panel filename] : nil;
 }

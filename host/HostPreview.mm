@@ -10,6 +10,7 @@
 
 #import "host/HostProgress.h"
 #import "host/controls.h"
+#import "toolkit/gnustep_texts.h"
 #import "toolkit/text.h"
 
 using namespace fax::host;
@@ -420,6 +421,7 @@ Result<Document> prepared(PrintPlan &plan, HostPreviewState const &state) {
 - (void)addDocument:(id)sender {
   NSOpenPanel *panel = [NSOpenPanel openPanel];
   [panel setTitle:ns(tr("Add Document"))];
+  fit_buttons(panel);
   [panel setAllowsMultipleSelection:YES];
   [panel setCanChooseDirectories:NO];
   if ([panel runModalForTypes:nil] == NSOKButton) [self addPaths:[panel filenames]];

@@ -1,12 +1,13 @@
 #import "toolkit/gnustep_texts.h"
 
-#import <Foundation/Foundation.h>
+#import <AppKit/AppKit.h>
 
 #include <algorithm>
 #include <iterator>
 #include <string_view>
 
 #include "platform/gnustep/repair.h"
+#include "toolkit/controls.h"
 #include "toolkit/text.h"
 
 namespace fax::toolkit {
@@ -53,6 +54,16 @@ std::string translation_of(std::string_view key) {
   return text != key ? text : "";
 }
 
+// One of the tags is 0, which other controls have too.
+NSButton *button_with_tag(NSView *row, NSInteger tag) {
+  NSArray *views = [row subviews];
+  for (NSUInteger at = 0; at < [views count]; ++at) {
+    id const view = [views objectAtIndex:at];
+    if ([view isKindOfClass:[NSButton class]] && [view tag] == tag) return view;
+  }
+  return nil;
+}
+
 Repair<NSString *(NSString *, NSString *, NSString *)> localized_string{
     "NSBundle", "localizedStringForKey:value:table:",
     [](id self, SEL command, NSString *key, NSString *value, NSString *table) -> NSString * {
@@ -64,5 +75,26 @@ Repair<NSString *(NSString *, NSString *, NSString *)> localized_string{
 }  // namespace
 
 void translate_gnustep() { on = true; }
+
+void fit_buttons(NSSavePanel *panel) {
+  constexpr CGFloat kBeside = 34;  // the button's edges, and the sign of the Return key in one of them
+  constexpr CGFloat kBetween = 8;
+  NSView *const row = [[[panel contentView] viewWithTag:NSFileHandlingPanelOKButton] superview];
+  CGFloat right = 0;
+  // From the right.
+  for (NSInteger const tag : {NSFileHandlingPanelOKButton, NSFileHandlingPanelCancelButton,
+                              NSFileHandlingPanelDiskEjectButton, NSFileHandlingPanelDiskButton,
+                              NSFileHandlingPanelHomeButton}) {
+    NSButton *const button = button_with_tag(row, tag);
+    if (button == nil) continue;
+    NSRect frame = [button frame];
+    if (right == 0) right = NSMaxX(frame);
+    bool const has_title = [button imagePosition] != NSImageOnly && [[button title] length] > 0;
+    if (has_title) frame.size.width = std::max(frame.size.width, text_width([button title]) + kBeside);
+    frame.origin.x = right - frame.size.width;
+    [button setFrame:frame];
+    right = frame.origin.x - kBetween;
+  }
+}
 
 }  // namespace fax::toolkit
