@@ -7,6 +7,7 @@
 
 #include "editor/core/entry_rules.h"
 #include "editor/core/rows.h"
+#include "gad/contact_rules.h"
 
 using namespace fax::editor;
 
@@ -148,7 +149,7 @@ static CGFloat const kListHeight = 240;
 - (BOOL)accepts {
   std::string name = utf8([_name stringValue]);
   if (name != _state->name) name = one_line(name);
-  auto const fault = fault_of_group_name(name);
+  auto const fault = fax::tool::fault_of_group(name);
   std::string const problem = fault ? *fault : _state->save(name, _state->members);
   if (problem.empty()) return YES;
   [self showError:ns(problem)];
