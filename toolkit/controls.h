@@ -1,0 +1,22 @@
+// Controls as the windows of our programs use them, in the system font. Everything that is made is autoreleased.
+#pragma once
+#import <AppKit/AppKit.h>
+
+namespace fax::toolkit {
+
+inline constexpr CGFloat kMargin = 16;
+inline constexpr CGFloat kRow = 24;  // height of a line with a button, a pop-up or a field
+
+// Of a text in the system font, in whole points.
+CGFloat text_width(NSString *text);
+
+// As wide as its text.
+NSTextField *make_label(NSString *text, NSTextAlignment alignment = NSLeftTextAlignment);
+// As wide as its title needs, 80 at least. tip may be nil.
+NSButton *make_button(NSString *title, id target, SEL action, NSString *tip = nil);
+NSPopUpButton *make_pop_up(id target, SEL action);
+
+// Makes the views a ring for the Tab key, in this order.
+void join_focus(NSArray *views);
+
+}  // namespace fax::toolkit
