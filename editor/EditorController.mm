@@ -183,14 +183,14 @@ static NSTimeInterval const kSettled = 0.5;
 // What is shown.
 
 - (void)say:(std::string const &)sentence {
-  if (!sentence.empty()) return [_window->status setStringValue:ns(sentence)];
-  std::string text;
-  if (_state->book != nullptr) {
+  std::string text = sentence;
+  if (text.empty() && _state->book != nullptr) {
     std::size_t const shown = _state->rows.count(), all = _state->book->contents()->people().size();
     text = shown == all ? tr_n("{0} entry", "{0} entries", all, all)
                         : tr_n("{0} of {1} entry", "{0} of {1} entries", all, shown, all);
   }
   [_window->status setStringValue:ns(text)];
+  [_window->status setToolTip:ns(text)];  // it may be longer than the room for it
 }
 
 - (void)showBooks {

@@ -14,8 +14,9 @@
 // The form's lines, from above, as high as their fields are now. Without a label a field is as wide as the window.
 - (void)addField:(NSView *)field label:(NSString *)label;
 - (void)addField:(NSView *)field;
-// Gives the window its size, width points or more, and everything its place; after the last addField. tall, which may
-// be nil, is the field that takes the room when the user makes the window larger.
+// Gives the window its size and everything its place; after the last addField. width is in points for a font of usual
+// size, and more where the font or the buttons need it. tall, which may be nil, is the field that takes the room when
+// the user makes the window larger.
 - (void)layOutWithWidth:(CGFloat)width tall:(NSView *)tall;
 // Tab goes through these, then the two buttons.
 - (void)setFocusOrder:(NSArray *)fields;

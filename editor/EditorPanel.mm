@@ -97,7 +97,7 @@ NSUInteger resizing(bool above, bool is_tall) {
   CGFloat const message = kMessageLines * text_height() + 4, buttons = width_of(_cancel) + kGap + width_of(_accept);
   CGFloat height = kMargin + row_height() + kGap + message + kGap + kMargin - kGap;
   for (NSUInteger at = 0; at < [_lines count]; ++at) height += height_of([[_lines objectAtIndex:at] lastObject]) + kGap;
-  NSSize const size = NSMakeSize(std::max(width, buttons + 2 * kMargin), height);
+  NSSize const size = NSMakeSize(std::max(std::ceil(width * row_height() / kRow), buttons + 2 * kMargin), height);
   [_panel setContentSize:size];
   [_panel setContentMinSize:size];
   [_panel setContentMaxSize:NSMakeSize(4 * size.width, tall != nil ? 4 * size.height : size.height)];

@@ -10,7 +10,7 @@ using namespace fax::toolkit;
 
 namespace {
 
-constexpr CGFloat kWidth = 1000, kHeight = 600, kStatusWidth = 240;
+constexpr CGFloat kWidth = 1000, kHeight = 600, kStatusWidth = 240, kScroller = 30;
 constexpr NSUInteger kTopLeft = NSViewMaxXMargin | NSViewMinYMargin;
 constexpr NSUInteger kTopRight = NSViewMinXMargin | NSViewMinYMargin;
 constexpr NSUInteger kBottomLeft = NSViewMaxXMargin | NSViewMaxYMargin;
@@ -124,17 +124,18 @@ CGFloat width_of_row(NSArray *views) {
 - (void)makeLists:(CGFloat)left {
   CGFloat const y = kMargin + 2 * (row_height() + kGap), height = [self height] - y - kMargin - row_height() - kGap;
   groups = [[[EditorList alloc] initWithFrame:NSMakeRect(0, 0, left, height)] autorelease];
-  add_column(groups, @"group", ns(tr("Groups")), left - 22);
+  add_column(groups, @"group", ns(tr("Groups")), left - kScroller);
   [groups setAllowsEmptySelection:NO];
   [groups setDoubleAction:@selector(editGroup:)];
   NSScrollView *groupsArea = make_list(groups, NSMakeRect(kMargin, y, left, height), nil);
   [groupsArea setAutoresizingMask:NSViewHeightSizable | NSViewMaxXMargin];
   people = [[[EditorList alloc] initWithFrame:NSMakeRect(0, 0, 600, height)] autorelease];
   CGFloat const x = kMargin + left + kMargin, width = [self width] - x - kMargin;
-  add_column(people, @"name", ns(tr("Name")), 200);
-  add_column(people, @"number", ns(tr("Fax number")), 150);
-  add_column(people, @"company", ns(tr("Company")), 150);
-  add_column(people, @"note", ns(tr("Note")), width - 200 - 2 * 150 - 30);
+  CGFloat rest = width - kScroller;
+  rest -= [add_column(people, @"name", ns(tr("Name")), 200) width];
+  rest -= [add_column(people, @"number", ns(tr("Fax number")), 150) width];
+  rest -= [add_column(people, @"company", ns(tr("Company")), 150) width];
+  add_column(people, @"note", ns(tr("Note")), rest);
   [people setAllowsMultipleSelection:YES];
   [people setDoubleAction:@selector(editEntry:)];
   NSScrollView *peopleArea = make_list(people, NSMakeRect(x, y, width, height), nil);

@@ -21,7 +21,9 @@ struct EntryPanelState {
   NSScrollView *scroll = [[[NSScrollView alloc] initWithFrame:NSMakeRect(0, 0, 300, height)] autorelease];
   [scroll setBorderType:NSBezelBorder];
   [scroll setHasVerticalScroller:YES];
-  _note = [[[NSTextView alloc] initWithFrame:NSMakeRect(0, 0, 300, height)] autorelease];
+  [scroll setHasHorizontalScroller:NO];
+  [scroll setAutohidesScrollers:YES];
+  _note = [[[NSTextView alloc] initWithFrame:NSMakeRect(0, 0, [scroll contentSize].width, text_height())] autorelease];
   [_note setRichText:NO];
   [_note setFont:[NSFont systemFontOfSize:0]];
   [_note setHorizontallyResizable:NO];

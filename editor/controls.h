@@ -17,6 +17,7 @@ void place_in_row(NSView *parent, CGFloat x, CGFloat y, NSArray *views, NSUInteg
 
 // A table in a scroll view that takes its rows from source, unless that is nil. columns: identifier, title, width after one another.
 NSScrollView *make_list(NSTableView *table, NSRect frame, id source);
+// width points wide, or as wide as the title.
 NSTableColumn *add_column(NSTableView *table, NSString *identifier, NSString *title, CGFloat width);
 
 // A red that can be read on the windows' own background, light or dark.

@@ -51,8 +51,13 @@ void place_in_row(NSView *parent, CGFloat x, CGFloat y, NSArray *views, NSUInteg
 NSScrollView *make_list(NSTableView *table, NSRect frame, id source) {
   NSScrollView *scroll = [[[NSScrollView alloc] initWithFrame:frame] autorelease];
   [scroll setHasVerticalScroller:YES];
+  [scroll setAutohidesScrollers:YES];
   [scroll setBorderType:NSBezelBorder];
+  [table setColumnAutoresizingStyle:NSTableViewLastColumnOnlyAutoresizingStyle];
   [table setRowHeight:text_height() + 5];
+  NSRect header = [[table headerView] frame];
+  header.size.height = std::max(header.size.height, text_height() + 7);
+  [[table headerView] setFrame:header];
   [table setDelegate:source];
   [table setTarget:source];
   [table setDataSource:source];
@@ -64,7 +69,8 @@ NSScrollView *make_list(NSTableView *table, NSRect frame, id source) {
 NSTableColumn *add_column(NSTableView *table, NSString *identifier, NSString *title, CGFloat width) {
   NSTableColumn *column = [[[NSTableColumn alloc] initWithIdentifier:identifier] autorelease];
   [[column headerCell] setStringValue:title];
-  [column setWidth:width];
+  [[column headerCell] setAlignment:NSLeftTextAlignment];
+  [column setWidth:std::max(width, std::ceil([[column headerCell] cellSize].width) + kGap)];
   [column setMinWidth:40];
   [column setEditable:NO];
   [table addTableColumn:column];
