@@ -43,9 +43,9 @@ static CGFloat widest(ImportPlan const &plan) {
 
 - (NSView *)makeRemarks {
   _remarks = [[[EditorList alloc] initWithFrame:NSMakeRect(0, 0, 100, 100)] autorelease];
-  //: Title of a column that says "Skipped" or "Note".
+  //: Title of a column that says "Skipped" or "Remark".
   NSString *kind = ns(tr("What"));
-  CGFloat const wide = std::max(text_width(ns(tr("Skipped"))), text_width(ns(tr("Note"))));
+  CGFloat const wide = std::max(text_width(ns(tr("Skipped"))), text_width(ns(tr("Remark"))));
   add_column(_remarks, @"kind", kind, std::max(wide, text_width(kind)) + 16);
   add_column(_remarks, @"text", ns(tr("Why")), widest(*_plan));
   NSScrollView *scroll = make_list(_remarks, NSMakeRect(0, 0, 588, 180), self);
@@ -70,7 +70,7 @@ static CGFloat widest(ImportPlan const &plan) {
 - (id)tableView:(NSTableView *)table objectValueForTableColumn:(NSTableColumn *)column row:(NSInteger)row {
   PlanRemark const &remark = _plan->remarks[static_cast<std::size_t>(row)];
   if ([[column identifier] isEqualToString:@"text"]) return ns(remark.text);
-  return remark.skipped ? ns(tr("Skipped")) : ns(tr("Note"));
+  return remark.skipped ? ns(tr("Skipped")) : ns(tr("Remark"));
 }
 
 - (void)listSpace:(NSTableView *)list {

@@ -47,6 +47,7 @@ void print_remarks(Contacts &contacts, ImportChoices const &choices) {
       }
     }
     std::string const place = label(choices) + (remark.line > 0 ? ":" + std::to_string(remark.line) : "");
+    //: {0} is a sentence about an entry of a list.
     std::cerr << place << ": " << (skipped ? tr("skipped: {0}", remark.text) : tr("note: {0}", remark.text)) << '\n';
   }
   if (kept_back == 0) return;

@@ -58,6 +58,7 @@ std::string called(Contact const &contact) {
 std::optional<std::string> fault_of(Contact const &contact) {
   if (trimmed(contact.name).empty()) return tr("The name is empty.");
   if (trimmed(contact.number).empty()) return tr("The number is empty.");
+  //: A fax number that is the word "Group", which stays as it is.
   if (contact.number == number_of_groups) return tr("The number \"Group\" is the mark of groups.");
   if (auto fault = broken(of_name, contact.name)) return fault;
   if (auto fault = broken(of_number, contact.number)) return fault;

@@ -118,6 +118,7 @@ public:
   explicit Importer(CsvChoices const &choices) : choices_(choices) {}
 
   void row(CsvRow &row) {
+    //: {1} is a sentence about that line of a file.
     if (row.fault != nullptr) throw Failure(tr("Line {0}: {1}", row.line, tr(row.fault)));
     if (!columns_known_)
       learn_columns(row);

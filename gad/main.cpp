@@ -20,6 +20,7 @@ using fax::tr;
 
 CLI::App *add_command(CLI::App &program, char const *name, std::string const &description, std::string &book) {
   CLI::App *command = program.add_subcommand(name, description)->group(tr("Commands"));
+  command->get_help_ptr()->group(tr("Options"));  // made before the program could say
   command->add_option("FILE", book, tr("the address book"))->required()->type_name("");
   return command;
 }

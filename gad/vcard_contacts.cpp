@@ -145,6 +145,7 @@ private:
         ++(group_uids_.contains(member) ? nested : missing);
     }
     auto const say = [&](std::string const &what) {
+      //: {0} is a name in quotation marks, {1} a sentence about it.
       contacts_.remark(group.contact.line, tr("Group {0}: {1}", in_quotes(name), what));
     };
     if (missing > 0)

@@ -5,6 +5,7 @@
 
 #include <gmock/gmock.h>
 
+#include <filesystem>
 #include <regex>
 #include <set>
 
@@ -91,6 +92,46 @@ TEST(Commands, HelpAndManualNameTheSameOptions) {
     named.erase("--help");
     EXPECT_THAT(options(part), ::testing::IsSupersetOf(named)) << command;
     EXPECT_THAT(named, ::testing::IsSupersetOf(options(part))) << command;
+  }
+}
+
+// What is left of a text when all that comes out of a catalogue whose texts stand in <> is gone, and what is the same in
+// every language.
+std::string untranslated(std::string const &text) {
+  std::string left;
+  int depth = 0;
+  for (char c : text) {
+    if (c == '<') ++depth;
+    if (depth == 0) left += c;
+    if (c == '>') --depth;
+  }
+  static std::regex const same(R"(--?[a-z][-a-z]*|\{[a-z0-9,]+\}|\b(gad|create|list|add|remove|group|import|export)\b|/\S+|"[^"]*"|[^a-zA-Z])");
+  return std::regex_replace(left, same, "");
+}
+
+TEST(Commands, SpeakTheUsersLanguage) {
+  Folder const folder;
+  std::string const tool = folder / "gad", catalogues = folder / "locale/de/LC_MESSAGES";
+  std::filesystem::copy_file(GAD, tool);
+  std::filesystem::create_directories(catalogues);
+  ASSERT_EQ(run({"sh", "-c", "sed 's/CHARSET/UTF-8/' '" POT "' | msgen - |"
+                             " msgfilter --keep-header sed -e '1s/^/</' -e '$s/$/>/' | msgfmt -o '" +
+                                 catalogues + "/directfax.mo' -"})
+                .code,
+            0);
+  std::string const book = folder.book(), list = folder.file("list", "Name,Fax\nAnna,x\nBen,\n");
+  std::vector<std::vector<std::string>> const commands = {
+      {"--help"}, {"create", "--help"}, {"list", "--help"}, {"add", "--help"}, {"remove", "--help"},
+      {"group", "--help"}, {"import", "--help"}, {"export", "--help"}, {}, {"list"}, {"list", folder / "none"},
+      {"list", book, "--format", "/"}, {"list", book, "/"}, {"list", book, "/", "/"}, {"list", book, "--format", "table"},
+      {"group", book, "--create"}, {"group", book, "/", "--add"}, {"group", book, "/", "--create", "--delete"},
+      {"add", book, "", "1"}, {"import", "-v", book, list}, {"export", book, list}};
+  for (auto words : commands) {
+    words.insert(words.begin(), {"env", "LC_ALL=de_XX.UTF-8", tool});
+    Outcome const outcome = run(words);
+    std::string const said = outcome.output + outcome.errors;
+    EXPECT_THAT(said, HasSubstr("<"));
+    EXPECT_EQ(untranslated(said), "") << said;
   }
 }
 
