@@ -7,11 +7,12 @@
 #import "editor/EditorState.h"
 #import "editor/NamePanel.h"
 #import "editor/background_work.h"
-#import "editor/text.h"
+#import "toolkit/text.h"
 
 #include "editor/core/messages.h"
 
 using namespace fax::editor;
+using namespace fax::toolkit;
 
 static NSString *const kLastBook = @"LastBook";
 static NSTimeInterval const kLookAgain = 1;
@@ -83,10 +84,10 @@ static NSTimeInterval const kSettled = 0.5;
 
 - (void)prepareCopyButton {
   bool const usb = _state->line.connection == Connection::usb;
-  NSString *tip = usb ? EditorText(@"A printer on USB has no address to read its book from.")
-                      : EditorText(@"Start the editor from the fax panel of a network printer for this.");
+  NSString *tip = usb ? ns(tr("A printer on USB has no address to read its book from."))
+                      : ns(tr("Start the editor from the fax panel of a network printer for this."));
   if (!_state->line.address.empty())
-    tip = EditorFormat(@"From the address book of the printer at %@", ns(_state->line.address));
+    tip = ns(tr("From the address book of the printer at {0}", _state->line.address));
   [_window->copyFromPrinter setToolTip:tip];
 }
 
@@ -108,7 +109,7 @@ static NSTimeInterval const kSettled = 0.5;
 - (void)openPath:(std::string const &)path {
   std::unique_ptr<OpenBook> opened;
   fax::Status status = fax::Status::unexpected;
-  run_aside(EditorText(@"Opening the address book…"), Cancel::impossible,
+  run_aside(ns(tr("Opening the address book…")), Cancel::impossible,
             [&](Share const &) { status = OpenBook::open(path, opened); });
   if (status != fax::Status::success) {
     [self showBooks];
@@ -125,7 +126,7 @@ static NSTimeInterval const kSettled = 0.5;
   [self showAll];
   [self selectRow:0];
   [_window makeFirstResponder:_window->people];
-  [self say:_state->book->can_change() ? "" : utf8(EditorText(@"This address book can only be read."))];
+  [self say:_state->book->can_change() ? "" : tr("This address book can only be read.")];
 }
 
 - (void)newBook:(id)sender {
@@ -136,10 +137,10 @@ static NSTimeInterval const kSettled = 0.5;
     fax::Status const status = create_book(folder, name, path);
     return status == fax::Status::success ? "" : sentence_about(status);
   };
-  NamePanel *panel = [[[NamePanel alloc] initWithTitle:EditorText(@"New Address Book")
-                                                 label:EditorText(@"Name:")
-                                                accept:EditorText(@"Create")
-                                                  hint:EditorFormat(@"In the folder %@", ns(folder))
+  NamePanel *panel = [[[NamePanel alloc] initWithTitle:ns(tr("New Address Book"))
+                                                 label:ns(tr("Name:"))
+                                                accept:ns(tr("Create"))
+                                                  hint:ns(tr("In the folder {0}", folder))
                                                 secret:NO
                                                  check:create] autorelease];
   if ([panel run]) [self openPath:path];
@@ -147,7 +148,7 @@ static NSTimeInterval const kSettled = 0.5;
 
 - (void)openBook:(id)sender {
   NSOpenPanel *panel = [NSOpenPanel openPanel];
-  [panel setTitle:EditorText(@"Open")];
+  [panel setTitle:ns(tr("Open"))];
   [panel setAllowsMultipleSelection:NO];
   NSArray *types = [NSArray arrayWithObject:@"gad"];
   if ([panel runModalForDirectory:ns(fax::gad::folder()) file:nil types:types] == NSOKButton)
@@ -169,7 +170,7 @@ static NSTimeInterval const kSettled = 0.5;
   fax::Status const status = _state->book->refresh(changed);
   if (changed) {
     [self showAll];
-    [self say:utf8(EditorText(@"Another program has changed this address book; it is shown as it is now."))];
+    [self say:tr("Another program has changed this address book; it is shown as it is now.")];
   }
   if (status != _state->trouble) [self say:status == fax::Status::success ? "" : sentence_about(status)];
   _state->trouble = status;
@@ -182,15 +183,14 @@ static NSTimeInterval const kSettled = 0.5;
 // What is shown.
 
 - (void)say:(std::string const &)sentence {
-  if (!sentence.empty()) return [_window->status setStringValue:ns(sentence)];
-  NSString *text = @"";
-  if (_state->book != nullptr) {
-    auto const contents = _state->book->contents();
-    auto const shown = static_cast<unsigned long>(_state->rows.count());
-    auto const all = static_cast<unsigned long>(contents->people().size());
-    text = shown == all ? EditorFormat(@"%lu entries", all) : EditorFormat(@"%lu of %lu entries", shown, all);
+  std::string text = sentence;
+  if (text.empty() && _state->book != nullptr) {
+    std::size_t const shown = _state->rows.count(), all = _state->book->contents()->people().size();
+    text = shown == all ? tr_n("{0} entry", "{0} entries", all, all)
+                        : tr_n("{0} of {1} entry", "{0} of {1} entries", all, shown, all);
   }
-  [_window->status setStringValue:text];
+  [_window->status setStringValue:ns(text)];
+  [_window->status setToolTip:ns(text)];  // it may be longer than the room for it
 }
 
 - (void)showBooks {
@@ -226,11 +226,14 @@ static NSTimeInterval const kSettled = 0.5;
 
 - (NSString *)emptyText {
   if (_state->book == nullptr)
-    return _state->books.empty() ? EditorText(@"There is no address book yet.\n“New Book…” makes one.")
-                                 : EditorText(@"No address book is open.");
-  if (!_state->wish.search.empty()) return EditorFormat(@"Nothing is found for “%@”.", ns(_state->wish.search));
-  if (_state->wish.group != 0) return EditorText(@"Nobody is in this group.\n“Edit…” below the groups chooses members.");
-  return EditorText(@"This address book is empty.\n“New Entry…” adds somebody, “Import…” takes over a list.");
+    //: The quoted words are the title of a button.
+    return ns(_state->books.empty() ? tr("There is no address book yet.\n“New Book…” makes one.")
+                                    : tr("No address book is open."));
+  if (!_state->wish.search.empty()) return ns(tr("Nothing is found for “{0}”.", _state->wish.search));
+  //: The quoted words are the title of a button.
+  if (_state->wish.group != 0) return ns(tr("Nobody is in this group.\n“Edit…” below the groups chooses members."));
+  //: The quoted words are the titles of buttons.
+  return ns(tr("This address book is empty.\n“New Entry…” adds somebody, “Import…” takes over a list."));
 }
 
 - (void)showPeople:(std::vector<std::uint32_t> const &)selected {
@@ -260,10 +263,10 @@ static NSTimeInterval const kSettled = 0.5;
   Step const *redo = open ? _state->book->steps().to_redo() : nullptr;
   [_window->undo setEnabled:undo != nullptr];
   [_window->redo setEnabled:redo != nullptr];
-  [_window->undo setToolTip:undo != nullptr ? EditorFormat(@"Undo “%@” (Ctrl+Z)", EditorText(ns(undo->title)))
-                                            : EditorText(@"Ctrl+Z")];
-  [_window->redo setToolTip:redo != nullptr ? EditorFormat(@"Redo “%@” (Ctrl+Shift+Z)", EditorText(ns(redo->title)))
-                                            : EditorText(@"Ctrl+Shift+Z")];
+  [_window->undo setToolTip:undo != nullptr ? ns(tr("Undo “{0}” ({1})", undo->title, "Ctrl+Z"))
+                                            : @"Ctrl+Z"];
+  [_window->redo setToolTip:redo != nullptr ? ns(tr("Redo “{0}” ({1})", redo->title, "Ctrl+Shift+Z"))
+                                            : @"Ctrl+Shift+Z"];
 }
 
 - (std::vector<std::uint32_t>)selectedPeople {
@@ -306,10 +309,11 @@ static NSTimeInterval const kSettled = 0.5;
 
 - (NSString *)titleOfGroupRow:(NSInteger)row {
   auto const contents = _state->book->contents();
-  if (row == 0) return EditorText(@"All entries");
+  if (row == 0) return ns(tr("All entries"));
   Group const *group = contents->group(_state->groups[static_cast<std::size_t>(row - 1)]);
   if (group == nullptr) return @"";
-  return [NSString stringWithFormat:@"%@ (%lu)", ns(group->name), static_cast<unsigned long>(group->members.size())];
+  //: A group and how many members it has.
+  return ns(tr("{0} ({1})", group->name, group->members.size()));
 }
 
 - (id)tableView:(NSTableView *)table objectValueForTableColumn:(NSTableColumn *)column row:(NSInteger)row {

@@ -9,11 +9,21 @@
 #import "editor/EntryPanel.h"
 #import "editor/GroupPanel.h"
 #import "editor/background_work.h"
-#import "editor/text.h"
+#import "toolkit/text.h"
 
 #include "editor/core/messages.h"
 
 using namespace fax::editor;
+using namespace fax::toolkit;
+
+static std::string saved(Step const &step) {
+  //: {0} is what was done: "Add Entry".
+  return tr("{0}: saved.", step.title);
+}
+
+static std::string what_now(bool is_there) {
+  return is_there ? tr("Save again to replace it.") : tr("Save again to add it anew.");
+}
 
 @implementation EditorController (Edits)
 
@@ -34,25 +44,23 @@ using namespace fax::editor;
   Outcome outcome;
   OpenBook *book = [self book];
   run_aside(what, Cancel::impossible, [&](Share const &) { outcome = book->make(step); });
-  [self showOutcome:outcome done:utf8(EditorText(ns(step.title))) + ": " + utf8(EditorText(@"saved."))];
+  [self showOutcome:outcome done:saved(step)];
 }
 
 - (void)undo:(id)sender {
   if ([self refuses:_window->undo]) return;
   Outcome outcome;
   OpenBook *book = [self book];
-  run_aside(EditorText(@"Undoing…"), Cancel::impossible, [&](Share const &) { outcome = book->undo(); });
-  [self showOutcome:outcome done:utf8(EditorFormat(@"“%@” was undone, and that is saved.",
-                                                   EditorText(ns(outcome.title))))];
+  run_aside(ns(tr("Undoing…")), Cancel::impossible, [&](Share const &) { outcome = book->undo(); });
+  [self showOutcome:outcome done:tr("“{0}” was undone, and that is saved.", outcome.title)];
 }
 
 - (void)redo:(id)sender {
   if ([self refuses:_window->redo]) return;
   Outcome outcome;
   OpenBook *book = [self book];
-  run_aside(EditorText(@"Redoing…"), Cancel::impossible, [&](Share const &) { outcome = book->redo(); });
-  [self showOutcome:outcome done:utf8(EditorFormat(@"“%@” was made again, and that is saved.",
-                                                   EditorText(ns(outcome.title))))];
+  run_aside(ns(tr("Redoing…")), Cancel::impossible, [&](Share const &) { outcome = book->redo(); });
+  [self showOutcome:outcome done:tr("“{0}” was made again, and that is saved.", outcome.title)];
 }
 
 // Stores what the panel holds. After a conflict the panel stays, and what another program has stored counts as seen.
@@ -69,15 +77,14 @@ using namespace fax::editor;
     }
     std::vector<std::uint32_t> const selected(1, made.after->id);
     [self showAllSelecting:selected];
-    [self say:utf8(EditorText(ns(step.title))) + ": " + utf8(EditorText(@"saved."))];
+    [self say:saved(step)];
     return "";
   }
   [self showAll];
   if (outcome.conflict.empty() || !before) return problem_with(outcome);
   Person const *now = _state->book->contents()->person(before->id);
   before = now != nullptr ? std::optional(*now) : std::nullopt;
-  return outcome.conflict + " " +
-         utf8(now != nullptr ? EditorText(@"Save again to replace it.") : EditorText(@"Save again to add it anew."));
+  return outcome.conflict + " " + what_now(now != nullptr);
 }
 
 - (void)editPerson:(Person const &)person {
@@ -116,7 +123,7 @@ using namespace fax::editor;
 - (void)deleteEntries:(id)sender {
   if ([self refuses:_window->deleteEntries]) return;
   NSInteger const row = [_window->people selectedRow];
-  [self makeStep:remove_people(*_state->book->contents(), [self selectedPeople]) doing:EditorText(@"Deleting…")];
+  [self makeStep:remove_people(*_state->book->contents(), [self selectedPeople]) doing:ns(tr("Deleting…"))];
   if ([_window->people selectedRow] < 0) [self selectRow:row];
 }
 
@@ -129,15 +136,14 @@ using namespace fax::editor;
     auto const &made = std::get<GroupChange>(_state->book->steps().to_undo()->changes.front());
     _state->wish.group = made.id;
     [self showAll];
-    [self say:utf8(EditorText(ns(step.title))) + ": " + utf8(EditorText(@"saved."))];
+    [self say:saved(step)];
     return "";
   }
   [self showAll];
   if (outcome.conflict.empty() || !before) return problem_with(outcome);
   Group const *now = _state->book->contents()->group(before->id);
   before = now != nullptr ? std::optional(*now) : std::nullopt;
-  return outcome.conflict + " " +
-         utf8(now != nullptr ? EditorText(@"Save again to replace it.") : EditorText(@"Save again to add it anew."));
+  return outcome.conflict + " " + what_now(now != nullptr);
 }
 
 - (void)runGroupPanel:(Group const &)group {
@@ -172,7 +178,7 @@ using namespace fax::editor;
 - (void)deleteGroup:(id)sender {
   if ([self refuses:_window->deleteGroup]) return;
   if (Group const *group = _state->book->contents()->group(_state->wish.group))
-    [self makeStep:remove_group(*group) doing:EditorText(@"Deleting…")];
+    [self makeStep:remove_group(*group) doing:ns(tr("Deleting…"))];
 }
 
 @end

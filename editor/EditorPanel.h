@@ -7,15 +7,17 @@
   NSTextField *_message;
   NSButton *_accept;
   NSButton *_cancel;
+  NSMutableArray *_lines;  // of the form: from above a label or NSNull, then a field
 }
-// Room for height points above the message line; the form's fields go into content there.
-- (id)initWithTitle:(NSString *)title width:(CGFloat)width height:(CGFloat)height accept:(NSString *)accept;
-- (NSView *)content;
-- (CGFloat)width;
-// The lowest point that fields may take.
-- (CGFloat)floor;
-// A label with a field behind it, y above the floor.
-- (void)addField:(NSView *)field label:(NSString *)label at:(CGFloat)y height:(CGFloat)height;
+- (id)initWithTitle:(NSString *)title accept:(NSString *)accept;
+
+// The form's lines, from above, as high as their fields are now. Without a label a field is as wide as the window.
+- (void)addField:(NSView *)field label:(NSString *)label;
+- (void)addField:(NSView *)field;
+// Gives the window its size and everything its place; after the last addField. width is in points for a font of usual
+// size, and more where the font or the buttons need it. tall, which may be nil, is the field that takes the room when
+// the user makes the window larger.
+- (void)layOutWithWidth:(CGFloat)width tall:(NSView *)tall;
 // Tab goes through these, then the two buttons.
 - (void)setFocusOrder:(NSArray *)fields;
 

@@ -40,6 +40,7 @@
 
 @private
   id<EditorWindowActions, EditorEditActions, EditorTransferActions> _owner;
+  CGFloat _least;  // width of the content
 }
 // owner (not retained) is the target of all controls and the delegate of the search; after connectLists, when it knows
 // the window, also the data source and the delegate of both lists.

@@ -1,14 +1,16 @@
 #import "editor/EditorWindow.h"
 
-#import "editor/text.h"
+#import "toolkit/controls.h"
+#import "toolkit/text.h"
 
 #include <algorithm>
 
 using namespace fax::editor;
+using namespace fax::toolkit;
 
 namespace {
 
-constexpr CGFloat kWidth = 1000, kHeight = 600;
+constexpr CGFloat kWidth = 1000, kHeight = 600, kStatusWidth = 240, kScroller = 30;
 constexpr NSUInteger kTopLeft = NSViewMaxXMargin | NSViewMinYMargin;
 constexpr NSUInteger kTopRight = NSViewMinXMargin | NSViewMinYMargin;
 constexpr NSUInteger kBottomLeft = NSViewMaxXMargin | NSViewMaxYMargin;
@@ -23,6 +25,9 @@ CGFloat width_of_row(NSArray *views) {
 }  // namespace
 
 @interface EditorWindow (Parts)
+- (CGFloat)width;
+- (CGFloat)height;
+- (void)widenTo:(CGFloat)row;
 - (void)makeTop;
 - (CGFloat)makeButtons;
 - (void)makeLists:(CGFloat)left;
@@ -39,84 +44,98 @@ CGFloat width_of_row(NSArray *views) {
     return nil;
   _owner = owner;
   [self setReleasedWhenClosed:NO];
-  [self setTitle:EditorText(@"Address Book Editor")];
+  [self setTitle:ns(tr("Address Book Editor"))];
   [self makeTop];
   CGFloat const left = [self makeButtons];
   [self makeLists:left];
-  [self setContentMinSize:NSMakeSize(820, 360)];
+  [self setContentMinSize:NSMakeSize(_least, 360)];
   join_focus([NSArray arrayWithObjects:people, newEntry, editEntry, deleteEntries, undo, redo, importList, exportBook,
                                        copyFromPrinter, books, search, groups, newGroup, editGroup, deleteGroup, nil]);
   [self setInitialFirstResponder:people];
   return self;
 }
 
+- (CGFloat)width {
+  return [[self contentView] frame].size.width;
+}
+- (CGFloat)height {
+  return [[self contentView] frame].size.height;
+}
+
+// The window is never narrower than this row of controls.
+- (void)widenTo:(CGFloat)row {
+  _least = std::max(_least, row + 2 * kMargin);
+  if (_least > [self width]) [self setContentSize:NSMakeSize(_least, [self height])];
+}
+
 - (void)makeTop {
-  CGFloat const y = kHeight - kMargin - kRow;
-  NSView *content = [self contentView];
   books = make_pop_up(_owner, @selector(chooseBook:));
-  NSButton *newBook = make_button(EditorText(@"New Book…"), _owner, @selector(newBook:), nil);
-  NSButton *openBook = make_button(EditorText(@"Open…"), _owner, @selector(openBook:), EditorText(@"Ctrl+O"));
-  place_in_row(content, kMargin, y,
-               [NSArray arrayWithObjects:make_label(EditorText(@"Address book:")), books, newBook, openBook, nil],
-               kTopLeft);
+  NSButton *newBook = make_button(ns(tr("New Book…")), _owner, @selector(newBook:));
+  NSButton *openBook = make_button(ns(tr("Open…")), _owner, @selector(openBook:), @"Ctrl+O");
   search = make_field([NSTextField class]);
-  [search setToolTip:EditorText(@"In name, number and company (Ctrl+F)")];
+  [search setToolTip:ns(tr("In name, number and company ({0})", "Ctrl+F"))];
   [search setDelegate:(id)_owner];
-  NSArray *searching = [NSArray arrayWithObjects:make_label(EditorText(@"Search:")), search, nil];
-  place_in_row(content, kWidth - kMargin - width_of_row(searching), y, searching, kTopRight);
+  NSArray *choosing = [NSArray arrayWithObjects:make_label(ns(tr("Address book:"))), books, newBook, openBook, nil];
+  NSArray *searching = [NSArray arrayWithObjects:make_label(ns(tr("Search:"))), search, nil];
+  [self widenTo:width_of_row(choosing) + kMargin + width_of_row(searching)];
+  CGFloat const y = [self height] - kMargin - row_height();
+  place_in_row([self contentView], kMargin, y, choosing, kTopLeft);
+  place_in_row([self contentView], [self width] - kMargin - width_of_row(searching), y, searching, kTopRight);
 }
 
 // Returns how wide the left column is.
 - (CGFloat)makeButtons {
   NSView *content = [self contentView];
-  CGFloat const y = kMargin + kRow + kGap;
   id const owner = _owner;
-  auto const button = [owner](NSString *title, SEL action, NSString *tip) {
-    return make_button(EditorText(title), owner, action, tip != nil ? EditorText(tip) : nil);
+  auto const button = [owner](std::string const &title, SEL action, std::string const &tip) {
+    return make_button(ns(title), owner, action, ns(tip));
   };
-  newGroup = button(@"New Group…", @selector(newGroup:), @"Ctrl+Shift+N");
-  editGroup = button(@"Edit…", @selector(editGroup:), @"Name and members of the selected group");
-  deleteGroup = button(@"Delete", @selector(deleteGroup:), @"Deletes the selected group; its members stay in the book");
+  newGroup = button(tr("New Group…"), @selector(newGroup:), "Ctrl+Shift+N");
+  editGroup = button(tr("Edit…"), @selector(editGroup:), tr("Name and members of the selected group"));
+  deleteGroup = button(tr("Delete"), @selector(deleteGroup:), tr("Deletes the selected group; its members stay in the book"));
   NSArray *ofGroups = [NSArray arrayWithObjects:newGroup, editGroup, deleteGroup, nil];
-  place_in_row(content, kMargin, y, ofGroups, kBottomLeft);
-  CGFloat const left = width_of_row(ofGroups);
-  newEntry = button(@"New Entry…", @selector(newEntry:), @"Ctrl+N");
-  editEntry = button(@"Edit…", @selector(editEntry:), @"Return, or a double click");
-  deleteEntries = button(@"Delete", @selector(deleteEntries:), @"The Delete key");
-  place_in_row(content, kMargin + left + kMargin, y,
-               [NSArray arrayWithObjects:newEntry, editEntry, deleteEntries, nil], kBottomLeft);
-  undo = button(@"Undo", @selector(undo:), @"Ctrl+Z");
-  redo = button(@"Redo", @selector(redo:), @"Ctrl+Shift+Z");
+  newEntry = button(tr("New Entry…"), @selector(newEntry:), "Ctrl+N");
+  editEntry = button(tr("Edit…"), @selector(editEntry:), tr("Return, or a double click"));
+  deleteEntries = button(tr("Delete"), @selector(deleteEntries:), tr("The Delete key"));
+  NSArray *ofEntries = [NSArray arrayWithObjects:newEntry, editEntry, deleteEntries, nil];
+  undo = button(tr("Undo"), @selector(undo:), "Ctrl+Z");
+  redo = button(tr("Redo"), @selector(redo:), "Ctrl+Shift+Z");
   NSArray *steps = [NSArray arrayWithObjects:undo, redo, nil];
-  place_in_row(content, kWidth - kMargin - width_of_row(steps), y, steps, kBottomRight);
-  importList = button(@"Import…", @selector(importList:), @"From vCards (.vcf) or a table (.csv) of another program");
-  exportBook = button(@"Export…", @selector(exportBook:), @"As vCards (.vcf) or a table (.csv)");
-  copyFromPrinter = button(@"Copy from Printer…", @selector(copyFromPrinter:), nil);
+  importList = button(tr("Import…"), @selector(importList:), tr("From vCards (.vcf) or a table (.csv) of another program"));
+  exportBook = button(tr("Export…"), @selector(exportBook:), tr("As vCards (.vcf) or a table (.csv)"));
+  copyFromPrinter = button(tr("Copy from Printer…"), @selector(copyFromPrinter:), "");
   NSArray *transfers = [NSArray arrayWithObjects:importList, exportBook, copyFromPrinter, nil];
-  CGFloat const right = width_of_row(transfers);
-  place_in_row(content, kWidth - kMargin - right, kMargin, transfers, kBottomRight);
+  CGFloat const left = width_of_row(ofGroups), right = width_of_row(transfers);
+  [self widenTo:left + kMargin + width_of_row(ofEntries) + kMargin + width_of_row(steps)];
+  [self widenTo:kStatusWidth + kMargin + right];
+
+  CGFloat const y = kMargin + row_height() + kGap;
+  place_in_row(content, kMargin, y, ofGroups, kBottomLeft);
+  place_in_row(content, kMargin + left + kMargin, y, ofEntries, kBottomLeft);
+  place_in_row(content, [self width] - kMargin - width_of_row(steps), y, steps, kBottomRight);
+  place_in_row(content, [self width] - kMargin - right, kMargin, transfers, kBottomRight);
   status = make_label(@"");
-  [status setFrame:NSMakeRect(kMargin, kMargin + 3, kWidth - 3 * kMargin - right, 18)];
+  place_in_row(content, kMargin, kMargin, [NSArray arrayWithObject:status], NSViewWidthSizable | NSViewMaxYMargin);
+  [status setFrameSize:NSMakeSize([self width] - 3 * kMargin - right, [status frame].size.height)];
   [[status cell] setLineBreakMode:NSLineBreakByTruncatingTail];
-  [status setAutoresizingMask:NSViewWidthSizable | NSViewMaxYMargin];
-  [content addSubview:status];
   return left;
 }
 
 - (void)makeLists:(CGFloat)left {
-  CGFloat const y = kMargin + 2 * (kRow + kGap), height = kHeight - y - kMargin - kRow - kGap;
+  CGFloat const y = kMargin + 2 * (row_height() + kGap), height = [self height] - y - kMargin - row_height() - kGap;
   groups = [[[EditorList alloc] initWithFrame:NSMakeRect(0, 0, left, height)] autorelease];
-  add_column(groups, @"group", EditorText(@"Groups"), left - 22);
+  add_column(groups, @"group", ns(tr("Groups")), left - kScroller);
   [groups setAllowsEmptySelection:NO];
   [groups setDoubleAction:@selector(editGroup:)];
   NSScrollView *groupsArea = make_list(groups, NSMakeRect(kMargin, y, left, height), nil);
   [groupsArea setAutoresizingMask:NSViewHeightSizable | NSViewMaxXMargin];
   people = [[[EditorList alloc] initWithFrame:NSMakeRect(0, 0, 600, height)] autorelease];
-  CGFloat const x = kMargin + left + kMargin, width = kWidth - x - kMargin;
-  add_column(people, @"name", EditorText(@"Name"), 200);
-  add_column(people, @"number", EditorText(@"Fax number"), 150);
-  add_column(people, @"company", EditorText(@"Company"), 150);
-  add_column(people, @"note", EditorText(@"Note"), width - 200 - 2 * 150 - 30);
+  CGFloat const x = kMargin + left + kMargin, width = [self width] - x - kMargin;
+  CGFloat rest = width - kScroller;
+  rest -= [add_column(people, @"name", ns(tr("Name")), 200) width];
+  rest -= [add_column(people, @"number", ns(tr("Fax number")), 150) width];
+  rest -= [add_column(people, @"company", ns(tr("Company")), 150) width];
+  add_column(people, @"note", ns(tr("Note")), rest);
   [people setAllowsMultipleSelection:YES];
   [people setDoubleAction:@selector(editEntry:)];
   NSScrollView *peopleArea = make_list(people, NSMakeRect(x, y, width, height), nil);

@@ -1,11 +1,13 @@
 #import "editor/EntryPanel.h"
 
 #import "editor/controls.h"
-#import "editor/text.h"
+#import "toolkit/controls.h"
+#import "toolkit/text.h"
 
 #include "editor/core/entry_rules.h"
 
 using namespace fax::editor;
+using namespace fax::toolkit;
 
 struct EntryPanelState {
   Person person;
@@ -15,10 +17,13 @@ struct EntryPanelState {
 @implementation EntryPanel
 
 - (NSScrollView *)makeNote {
-  NSScrollView *scroll = [[[NSScrollView alloc] initWithFrame:NSMakeRect(0, 0, 200, 72)] autorelease];
+  CGFloat const height = 4 * text_height() + 12;
+  NSScrollView *scroll = [[[NSScrollView alloc] initWithFrame:NSMakeRect(0, 0, 300, height)] autorelease];
   [scroll setBorderType:NSBezelBorder];
   [scroll setHasVerticalScroller:YES];
-  _note = [[[NSTextView alloc] initWithFrame:NSMakeRect(0, 0, 300, 72)] autorelease];
+  [scroll setHasHorizontalScroller:NO];
+  [scroll setAutohidesScrollers:YES];
+  _note = [[[NSTextView alloc] initWithFrame:NSMakeRect(0, 0, [scroll contentSize].width, text_height())] autorelease];
   [_note setRichText:NO];
   [_note setFont:[NSFont systemFontOfSize:0]];
   [_note setHorizontallyResizable:NO];
@@ -31,20 +36,21 @@ struct EntryPanelState {
 }
 
 - (id)initWithPerson:(Person const &)person groups:(std::string const &)groups save:(SavePerson const &)save {
-  NSString *title = person.id == 0 ? EditorText(@"New Entry") : EditorText(@"Edit Entry");
-  if (!(self = [super initWithTitle:title width:460 height:208 accept:EditorText(@"Save")])) return nil;
+  NSString *title = person.id == 0 ? ns(tr("New Entry")) : ns(tr("Edit Entry"));
+  if (!(self = [super initWithTitle:title accept:ns(tr("Save"))])) return nil;
   _state = new EntryPanelState{person, save};
   _name = make_field([NSTextField class]);
   _number = make_field([NSTextField class]);
   _company = make_field([NSTextField class]);
   NSScrollView *note = [self makeNote];
-  [self addField:_name label:EditorText(@"Name:") at:184 height:kRow];
-  [self addField:_number label:EditorText(@"Fax number:") at:152 height:kRow];
-  [self addField:_company label:EditorText(@"Company:") at:120 height:kRow];
-  [self addField:note label:EditorText(@"Note:") at:40 height:72];
+  [self addField:_name label:ns(tr("Name:"))];
+  [self addField:_number label:ns(tr("Fax number:"))];
+  [self addField:_company label:ns(tr("Company:"))];
+  [self addField:note label:ns(tr("Note:"))];
   NSTextField *groupNames = make_label(ns(groups.empty() ? "\u2013" : groups));
   [[groupNames cell] setLineBreakMode:NSLineBreakByTruncatingTail];
-  [self addField:groupNames label:EditorText(@"Groups:") at:8 height:kRow];
+  [self addField:groupNames label:ns(tr("Groups:"))];
+  [self layOutWithWidth:480 tall:note];
   [_name setStringValue:ns(person.name)];
   [_number setStringValue:ns(person.number)];
   [_company setStringValue:ns(person.company)];

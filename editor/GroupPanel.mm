@@ -1,14 +1,17 @@
 #import "editor/GroupPanel.h"
 
 #import "editor/controls.h"
-#import "editor/text.h"
+#import "toolkit/controls.h"
+#import "toolkit/text.h"
 
 #include <vector>
 
 #include "editor/core/entry_rules.h"
 #include "editor/core/rows.h"
+#include "gad/contact_rules.h"
 
 using namespace fax::editor;
+using namespace fax::toolkit;
 
 struct GroupPanelState {
   std::shared_ptr<Contents const> contents;
@@ -20,40 +23,40 @@ struct GroupPanelState {
 };
 
 @interface GroupPanel (Parts)
-- (void)makeList;
+- (NSView *)makeList;
 - (void)show:(id)sender;
 - (void)toggle:(NSInteger)row;
 @end
 
 @implementation GroupPanel
 
-static CGFloat const kListHeight = 240;
-
 - (id)initWithGroup:(Group const &)group contents:(std::shared_ptr<Contents const>)contents save:(SaveGroup const &)save {
-  NSString *title = group.id == 0 ? EditorText(@"New Group") : EditorText(@"Edit Group");
-  CGFloat const height = kListHeight + 3 * (kRow + kGap);
-  if (!(self = [super initWithTitle:title width:520 height:height accept:EditorText(@"Save")])) return nil;
+  NSString *title = group.id == 0 ? ns(tr("New Group")) : ns(tr("Edit Group"));
+  if (!(self = [super initWithTitle:title accept:ns(tr("Save"))])) return nil;
   _state = new GroupPanelState{std::move(contents), save, group.name,
                                {group.members.begin(), group.members.end()}, {}, {}};
   _name = make_field([NSTextField class]);
   [_name setStringValue:ns(group.name)];
   _search = make_field([NSTextField class]);
   [_search setDelegate:(id)self];
-  _onlyMembers = [[[NSButton alloc] initWithFrame:NSMakeRect(0, 0, 200, 20)] autorelease];
+  _onlyMembers = [[[NSButton alloc] initWithFrame:NSMakeRect(0, 0, 200, row_height())] autorelease];
   [_onlyMembers setButtonType:NSSwitchButton];
-  [_onlyMembers setTitle:EditorText(@"Show members only")];
+  [_onlyMembers setFont:[NSFont systemFontOfSize:0]];
+  [_onlyMembers setTitle:ns(tr("Show members only"))];
   [_onlyMembers setTarget:self];
   [_onlyMembers setAction:@selector(show:)];
-  [self addField:_name label:EditorText(@"Group name:") at:kListHeight + 2 * (kRow + kGap) + kGap height:kRow];
-  [self addField:_search label:EditorText(@"Search:") at:kListHeight + kRow + 2 * kGap height:kRow];
-  [self addField:_onlyMembers label:@"" at:kListHeight + kGap height:kRow];
-  [self makeList];
+  [self addField:_name label:ns(tr("Group name:"))];
+  [self addField:_search label:ns(tr("Search:"))];
+  [self addField:_onlyMembers label:@""];
+  NSView *list = [self makeList];
+  [self addField:list];
+  [self layOutWithWidth:520 tall:list];
   [self setFocusOrder:[NSArray arrayWithObjects:_name, _search, _onlyMembers, _people, nil]];
   [self show:nil];
   return self;
 }
 
-- (void)makeList {
+- (NSView *)makeList {
   _people = [[[EditorList alloc] initWithFrame:NSMakeRect(0, 0, 100, 100)] autorelease];
   NSTableColumn *member = add_column(_people, @"member", @"", 28);
   NSButtonCell *box = [[[NSButtonCell alloc] init] autorelease];
@@ -61,11 +64,10 @@ static CGFloat const kListHeight = 240;
   [box setTitle:@""];
   [member setDataCell:box];
   [member setEditable:YES];
-  add_column(_people, @"name", EditorText(@"Name"), 250);
-  add_column(_people, @"number", EditorText(@"Fax number"), 170);
-  NSRect const frame = NSMakeRect(kMargin, [self floor], [self width] - 2 * kMargin, kListHeight);
-  [[self content] addSubview:make_list(_people, frame, self)];
-  [_people setToolTip:EditorText(@"The space bar puts the selected entry into the group, or out of it.")];
+  add_column(_people, @"name", ns(tr("Name")), 250);
+  add_column(_people, @"number", ns(tr("Fax number")), 170);
+  [_people setToolTip:ns(tr("The space bar puts the selected entry into the group, or out of it."))];
+  return make_list(_people, NSMakeRect(0, 0, 488, 240), self);
 }
 
 - (void)dealloc {
@@ -81,7 +83,7 @@ static CGFloat const kListHeight = 240;
 }
 
 - (void)countMembers {
-  [self showHint:EditorFormat(@"%lu in the group", static_cast<unsigned long>(_state->members.size()))];
+  [self showHint:ns(tr_n("{0} member", "{0} members", _state->members.size(), _state->members.size()))];
 }
 
 - (void)show:(id)sender {
@@ -127,7 +129,7 @@ static CGFloat const kListHeight = 240;
   if (person == nullptr) return;
   if (_state->members.erase(person->id) == 0) {
     if (person->id > fax::gad::greatest_member_id)
-      return [self showError:EditorText(@"This entry cannot be in a group: the book has too many entries.")];
+      return [self showError:ns(tr("This entry cannot be in a group: the book has too many entries."))];
     _state->members.insert(person->id);
   }
   [_people setNeedsDisplay:YES];
@@ -148,7 +150,7 @@ static CGFloat const kListHeight = 240;
 - (BOOL)accepts {
   std::string name = utf8([_name stringValue]);
   if (name != _state->name) name = one_line(name);
-  auto const fault = fault_of_group_name(name);
+  auto const fault = fax::tool::fault_of_group(name);
   std::string const problem = fault ? *fault : _state->save(name, _state->members);
   if (problem.empty()) return YES;
   [self showError:ns(problem)];

@@ -1,9 +1,10 @@
 #import "editor/NamePanel.h"
 
 #import "editor/controls.h"
-#import "editor/text.h"
+#import "toolkit/text.h"
 
 using namespace fax::editor;
+using namespace fax::toolkit;
 
 struct NamePanelState {
   CheckText const &check;
@@ -17,10 +18,11 @@ struct NamePanelState {
                hint:(NSString *)hint
              secret:(BOOL)secret
               check:(CheckText const &)check {
-  if (!(self = [super initWithTitle:title width:440 height:kRow accept:accept])) return nil;
+  if (!(self = [super initWithTitle:title accept:accept])) return nil;
   _state = new NamePanelState{check};
   _field = make_field(secret ? [NSSecureTextField class] : [NSTextField class]);
-  [self addField:_field label:label at:0 height:kRow];
+  [self addField:_field label:label];
+  [self layOutWithWidth:440 tall:nil];
   [self showHint:hint];
   [self setFocusOrder:[NSArray arrayWithObject:_field]];
   return self;

@@ -2,6 +2,8 @@
 #pragma once
 #import "editor/EditorPanel.h"
 
+#include <string>
+
 #include "editor/core/import_plan.h"
 
 @interface PlanPanel : EditorPanel {
@@ -9,6 +11,6 @@
   NSTableView *_remarks;
 }
 // The plan must outlive the panel. source names where the entries come from.
-- (id)initWithPlan:(fax::editor::ImportPlan const &)plan source:(NSString *)source;
+- (id)initWithPlan:(fax::editor::ImportPlan const &)plan source:(std::string const &)source;
 - (BOOL)run;
 @end

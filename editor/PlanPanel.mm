@@ -1,48 +1,56 @@
 #import "editor/PlanPanel.h"
 
+#include <algorithm>
+
 #import "editor/controls.h"
-#import "editor/text.h"
+#import "toolkit/controls.h"
+#import "toolkit/text.h"
 
 using namespace fax::editor;
+using namespace fax::toolkit;
 
 @interface PlanPanel (Parts)
-- (void)makeRemarks;
+- (NSView *)makeRemarks;
 @end
+
+// Of the remarks; of very many the first ones.
+static CGFloat widest(ImportPlan const &plan) {
+  CGFloat width = 480;
+  std::size_t const some = std::min<std::size_t>(plan.remarks.size(), 200);
+  for (std::size_t at = 0; at < some; ++at) width = std::max(width, text_width(ns(plan.remarks[at].text)) + 16);
+  return width;
+}
 
 @implementation PlanPanel
 
-static CGFloat const kRemarksHeight = 180;
-
-- (id)initWithPlan:(ImportPlan const &)plan source:(NSString *)source {
-  CGFloat const height = plan.remarks.empty() ? 2 * kRow : kRemarksHeight + 2 * kRow + kGap;
-  if (!(self = [super initWithTitle:EditorText(@"Import") width:620 height:height accept:EditorText(@"Import")]))
-    return nil;
+- (id)initWithPlan:(ImportPlan const &)plan source:(std::string const &)source {
+  if (!(self = [super initWithTitle:ns(tr("Import")) accept:ns(tr("Import"))])) return nil;
   _plan = &plan;
-  CGFloat const inner = [self width] - 2 * kMargin;
-  CGFloat const top = [self floor] + height;
-  NSTextField *from = make_label(EditorFormat(@"From %@:", source));
-  [from setFrame:NSMakeRect(kMargin, top - kRow, inner, 18)];
+  NSTextField *from = make_label(ns(tr("From {0}:", source)));
   [[from cell] setLineBreakMode:NSLineBreakByTruncatingMiddle];
-  [[self content] addSubview:from];
+  [self addField:from];
   NSTextField *summary = make_label(ns(plan.summary()));
-  [summary setFrame:NSMakeRect(kMargin, top - 2 * kRow, inner, 18)];
-  [[self content] addSubview:summary];
-  if (!plan.remarks.empty()) [self makeRemarks];
+  [self addField:summary];
+  NSView *remarks = plan.remarks.empty() ? nil : [self makeRemarks];
+  if (remarks != nil) [self addField:remarks];
+  [self layOutWithWidth:std::max<CGFloat>(620, [summary frame].size.width + 2 * kMargin) tall:remarks];
   bool const does_something = !plan.step.changes.empty();
   [_accept setEnabled:does_something];
-  if (does_something) [self showHint:EditorText(@"The import is one step: it can be undone as a whole.")];
+  if (does_something) [self showHint:ns(tr("The import is one step: it can be undone as a whole."))];
   [self setFocusOrder:_remarks != nil ? [NSArray arrayWithObject:_remarks] : [NSArray array]];
   return self;
 }
 
-- (void)makeRemarks {
+- (NSView *)makeRemarks {
   _remarks = [[[EditorList alloc] initWithFrame:NSMakeRect(0, 0, 100, 100)] autorelease];
-  add_column(_remarks, @"kind", EditorText(@"What"), 80);
-  add_column(_remarks, @"text", EditorText(@"Why"), 900);
-  NSRect const frame = NSMakeRect(kMargin, [self floor], [self width] - 2 * kMargin, kRemarksHeight);
-  NSScrollView *scroll = make_list(_remarks, frame, self);
+  //: Title of a column that says "Skipped" or "Remark".
+  NSString *kind = ns(tr("What"));
+  CGFloat const wide = std::max(text_width(ns(tr("Skipped"))), text_width(ns(tr("Remark"))));
+  add_column(_remarks, @"kind", kind, std::max(wide, text_width(kind)) + 16);
+  add_column(_remarks, @"text", ns(tr("Why")), widest(*_plan));
+  NSScrollView *scroll = make_list(_remarks, NSMakeRect(0, 0, 588, 180), self);
   [scroll setHasHorizontalScroller:YES];
-  [[self content] addSubview:scroll];
+  return scroll;
 }
 
 - (void)dealloc {
@@ -62,7 +70,7 @@ static CGFloat const kRemarksHeight = 180;
 - (id)tableView:(NSTableView *)table objectValueForTableColumn:(NSTableColumn *)column row:(NSInteger)row {
   PlanRemark const &remark = _plan->remarks[static_cast<std::size_t>(row)];
   if ([[column identifier] isEqualToString:@"text"]) return ns(remark.text);
-  return remark.skipped ? EditorText(@"Skipped") : EditorText(@"Note");
+  return remark.skipped ? ns(tr("Skipped")) : ns(tr("Remark"));
 }
 
 - (void)listSpace:(NSTableView *)list {

@@ -1,5 +1,6 @@
 #import "editor/background_work.h"
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <exception>
@@ -7,7 +8,8 @@
 #include <thread>
 
 #import "editor/controls.h"
-#import "editor/text.h"
+#import "toolkit/controls.h"
+#import "toolkit/text.h"
 
 @interface EditorProgress : NSObject {
   NSPanel *_panel;
@@ -25,16 +27,20 @@
 - (id)initWithText:(NSString *)what canCancel:(BOOL)canCancel {
   if (!(self = [super init])) return nil;
   using namespace fax::editor;
-  CGFloat const width = 400, inner = width - 2 * kMargin, bottom = canCancel ? kMargin + kRow + kGap : kMargin;
-  _panel = [[NSPanel alloc] initWithContentRect:NSMakeRect(0, 0, width, bottom + 62)
+using namespace fax::toolkit;
+  using namespace fax::toolkit;
+  NSTextField *label = make_label(what);
+  CGFloat const line = [label frame].size.height;
+  CGFloat const width = std::max<CGFloat>(400, [label frame].size.width + 2 * kMargin), inner = width - 2 * kMargin;
+  CGFloat const bottom = canCancel ? kMargin + row_height() + kGap : kMargin;
+  _panel = [[NSPanel alloc] initWithContentRect:NSMakeRect(0, 0, width, bottom + 28 + line + kMargin)
                                       styleMask:NSTitledWindowMask
                                         backing:NSBackingStoreBuffered
                                           defer:NO];
   [_panel setReleasedWhenClosed:NO];
-  [_panel setTitle:EditorText(@"Address Book Editor")];
+  [_panel setTitle:ns(tr("Address Book Editor"))];
   NSView *content = [_panel contentView];
-  NSTextField *label = make_label(what);
-  [label setFrame:NSMakeRect(kMargin, bottom + 28, inner, 18)];
+  [label setFrame:NSMakeRect(kMargin, bottom + 28, inner, line)];
   [content addSubview:label];
   _bar = [[[NSProgressIndicator alloc] initWithFrame:NSMakeRect(kMargin, bottom + 4, inner, 16)] autorelease];
   [_bar setIndeterminate:NO];
@@ -42,7 +48,7 @@
   [_bar setMaxValue:1];
   [content addSubview:_bar];
   if (canCancel) {
-    NSButton *button = make_button(EditorText(@"Cancel"), self, @selector(cancel:), nil);
+    NSButton *button = make_button(ns(tr("Cancel")), self, @selector(cancel:));
     [button setKeyEquivalent:@"\e"];
     place_in_row(content, width - kMargin - [button frame].size.width, kMargin, [NSArray arrayWithObject:button], 0);
   }

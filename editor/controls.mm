@@ -3,59 +3,23 @@
 #include <algorithm>
 #include <cmath>
 
-#import "editor/text.h"
+#import "toolkit/controls.h"
+#import "toolkit/text.h"
+
+using namespace fax::toolkit;
 
 namespace fax::editor {
 namespace {
-
-CGFloat width_of(NSString *text) {
-  NSDictionary *font = [NSDictionary dictionaryWithObject:[NSFont systemFontOfSize:0] forKey:NSFontAttributeName];
-  return std::ceil([text sizeWithAttributes:font].width);
-}
 
 constexpr NSUInteger kAlertWidth = 64;  // characters
 
 }  // namespace
 
-NSTextField *make_label(NSString *text) {
-  NSTextField *label = [[[NSTextField alloc] initWithFrame:NSMakeRect(0, 0, width_of(text) + 8, 18)] autorelease];
-  [label setEditable:NO];
-  [label setSelectable:NO];
-  [label setBezeled:NO];
-  [label setBordered:NO];
-  [label setDrawsBackground:NO];
-  [label setFont:[NSFont systemFontOfSize:0]];
-  [label setStringValue:text];
-  return label;
-}
-
-NSButton *make_button(NSString *title, id target, SEL action, NSString *tip) {
-  CGFloat const width = std::max<CGFloat>(72, width_of(title) + 28);
-  NSButton *button = [[[NSButton alloc] initWithFrame:NSMakeRect(0, 0, width, kRow)] autorelease];
-  [button setButtonType:NSMomentaryPushInButton];
-  [button setBezelStyle:NSRoundedBezelStyle];
-  [button setFont:[NSFont systemFontOfSize:0]];
-  [button setTitle:title];
-  [button setTarget:target];
-  [button setAction:action];
-  if ([tip length] > 0) [button setToolTip:tip];
-  return button;
-}
-
 NSTextField *make_field(Class kind) {
-  NSTextField *field = [[[kind alloc] initWithFrame:NSMakeRect(0, 0, 200, kRow)] autorelease];
+  NSTextField *field = [[[kind alloc] initWithFrame:NSMakeRect(0, 0, 200, row_height())] autorelease];
   [field setFont:[NSFont systemFontOfSize:0]];
   [[field cell] setScrollable:YES];
   return field;
-}
-
-NSPopUpButton *make_pop_up(id target, SEL action) {
-  NSPopUpButton *button = [[[NSPopUpButton alloc] initWithFrame:NSMakeRect(0, 0, 220, kRow) pullsDown:NO] autorelease];
-  [button setFont:[NSFont systemFontOfSize:0]];
-  [button setAutoenablesItems:NO];
-  [button setTarget:target];
-  [button setAction:action];
-  return button;
 }
 
 NSString *wrapped(NSString *text, NSUInteger characters) {
@@ -72,23 +36,28 @@ NSString *wrapped(NSString *text, NSUInteger characters) {
   return all;
 }
 
-CGFloat place_in_row(NSView *parent, CGFloat x, CGFloat y, NSArray *views, NSUInteger resizing) {
+void place_in_row(NSView *parent, CGFloat x, CGFloat y, NSArray *views, NSUInteger resizing) {
   for (NSUInteger at = 0; at < [views count]; ++at) {
     NSView *view = [views objectAtIndex:at];
-    CGFloat const lift = [view frame].size.height < kRow ? 3 : 0;  // labels stand on the line of their neighbours
+    // A label stands on the line of its neighbours.
+    CGFloat const lift = std::max<CGFloat>(0, std::floor((row_height() - [view frame].size.height) / 2));
     [view setFrameOrigin:NSMakePoint(x, y + lift)];
     [view setAutoresizingMask:resizing];
     [parent addSubview:view];
     x += [view frame].size.width + kGap;
   }
-  return x;
 }
 
 NSScrollView *make_list(NSTableView *table, NSRect frame, id source) {
   NSScrollView *scroll = [[[NSScrollView alloc] initWithFrame:frame] autorelease];
   [scroll setHasVerticalScroller:YES];
+  [scroll setAutohidesScrollers:YES];
   [scroll setBorderType:NSBezelBorder];
-  [table setRowHeight:20];
+  [table setColumnAutoresizingStyle:NSTableViewLastColumnOnlyAutoresizingStyle];
+  [table setRowHeight:text_height() + 5];
+  NSRect header = [[table headerView] frame];
+  header.size.height = std::max(header.size.height, text_height() + 7);
+  [[table headerView] setFrame:header];
   [table setDelegate:source];
   [table setTarget:source];
   [table setDataSource:source];
@@ -100,17 +69,12 @@ NSScrollView *make_list(NSTableView *table, NSRect frame, id source) {
 NSTableColumn *add_column(NSTableView *table, NSString *identifier, NSString *title, CGFloat width) {
   NSTableColumn *column = [[[NSTableColumn alloc] initWithIdentifier:identifier] autorelease];
   [[column headerCell] setStringValue:title];
-  [column setWidth:width];
+  [[column headerCell] setAlignment:NSLeftTextAlignment];
+  [column setWidth:std::max(width, std::ceil([[column headerCell] cellSize].width) + kGap)];
   [column setMinWidth:40];
   [column setEditable:NO];
   [table addTableColumn:column];
   return column;
-}
-
-void join_focus(NSArray *views) {
-  NSUInteger const count = [views count];
-  for (NSUInteger at = 0; at < count; ++at)
-    [[views objectAtIndex:at] setNextKeyView:[views objectAtIndex:(at + 1) % count]];
 }
 
 NSColor *error_color() {
@@ -124,19 +88,10 @@ NSColor *error_color() {
 
 void tell(NSString *what) {
   NSAlert *alert = [[[NSAlert alloc] init] autorelease];
-  [alert setMessageText:EditorText(@"Address Book Editor")];
+  [alert setMessageText:ns(tr("Address Book Editor"))];
   [alert setInformativeText:wrapped(what, kAlertWidth)];
-  [alert addButtonWithTitle:EditorText(@"OK")];
+  [alert addButtonWithTitle:ns(tr("OK"))];
   [alert runModal];
-}
-
-bool ask(NSString *what, NSString *yes, NSString *no) {
-  NSAlert *alert = [[[NSAlert alloc] init] autorelease];
-  [alert setMessageText:EditorText(@"Address Book Editor")];
-  [alert setInformativeText:wrapped(what, kAlertWidth)];
-  [alert addButtonWithTitle:yes];
-  [alert addButtonWithTitle:no];
-  return [alert runModal] == NSAlertFirstButtonReturn;
 }
 
 }  // namespace fax::editor
@@ -163,7 +118,7 @@ bool ask(NSString *what, NSString *yes, NSString *no) {
       dictionaryWithObjectsAndKeys:[NSFont systemFontOfSize:0], NSFontAttributeName, middle,
                                    NSParagraphStyleAttributeName, [NSColor controlTextColor],
                                    NSForegroundColorAttributeName, nil];
-  NSRect area = NSInsetRect([self visibleRect], fax::editor::kMargin, fax::editor::kMargin);
+  NSRect area = NSInsetRect([self visibleRect], kMargin, kMargin);
   CGFloat const height = [_emptyText sizeWithAttributes:look].height;
   area.origin.y += std::max<CGFloat>(0, (area.size.height - height) / 3);
   area.size.height = height + 4;

@@ -10,13 +10,17 @@
 #import "editor/EditorController.h"
 
 #include "editor/core/command_line.h"
+#include "host/theme/preference.h"
+#include "texts/texts.h"
+
+#import "host/theme/FaxTheme.h"
 
 using namespace fax::editor;
 
 static int Show(CommandLine const &line) {
   [[NSUserDefaults standardUserDefaults]
       registerDefaults:[NSDictionary dictionaryWithObject:@"YES" forKey:@"GSSuppressAppIcon"]];
-  [NSApplication sharedApplication];
+  fax::theme::start_application(fax::theme::choice_named(line.theme).value_or(fax::theme::Choice::automatic));
   EditorController *controller = [[EditorController alloc] initWithCommandLine:line];
   [NSApp setDelegate:(id)controller];
   [NSApp run];
@@ -28,7 +32,7 @@ static int Show(CommandLine const &line) {
 static int Run(std::vector<std::string> const &arguments) {
   CommandLine const line = parse_command_line(arguments, std::filesystem::current_path().string());
   if (!line.fault.empty()) {
-    std::fprintf(stderr, "AddressBookEditor: %s --help shows what can be said.\n", line.fault.c_str());
+    std::fprintf(stderr, "AddressBookEditor: %s %s\n", line.fault.c_str(), fax::tr("--help shows what can be said.").c_str());
     return 2;
   }
   if (line.help || line.version) {
@@ -39,6 +43,7 @@ static int Run(std::vector<std::string> const &arguments) {
 }
 
 int main(int argc, char **argv) {
+  fax::speak(fax::catalogue_folders());
   // The toolkit reads the arguments too, and would open a file named there as a document of its own.
   char program[] = "AddressBookEditor";
   char *own[] = {argc > 0 ? argv[0] : program, nullptr};

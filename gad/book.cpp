@@ -1,7 +1,9 @@
 #include "gad/book.h"
 
 #include "gad/failure.h"
+#include "gad/status_text.h"
 #include "gad/text.h"
+#include "texts/texts.h"
 
 #include <algorithm>
 #include <charconv>
@@ -11,18 +13,18 @@
 namespace fax::tool {
 namespace {
 
-// What a person can do about it; empty when the sentence says it all.
+// What a person can do about it; nullptr when the sentence says it all.
 char const *advice(Status status) {
   switch (status) {
-    case Status::no_file: return "make one with 'gad create'";
-    case Status::foreign_file: return "to take over another program's addresses use 'gad import'";
-    case Status::newer_file: return "use the newer version of this program";
-    case Status::damaged: return "use a copy; nothing was changed";
-    case Status::no_permission: return "ask the owner of the file";
-    case Status::read_only: return "the file and its folder must be writable";
-    case Status::busy: return "try again when it is done; nothing was changed";
-    case Status::full: return "make room and try again; nothing was changed";
-    case Status::file_exists: return "choose another name or remove it first";
+    case Status::no_file: return mark("Make one with 'gad create'.");
+    case Status::foreign_file: return mark("To take over another program's addresses use 'gad import'.");
+    case Status::newer_file: return mark("Use the newer version of this program.");
+    case Status::damaged: return mark("Use a copy of it. Nothing was changed.");
+    case Status::no_permission: return mark("Ask the owner of the file.");
+    case Status::read_only: return mark("The file and its folder must be writable.");
+    case Status::busy: return mark("Try again when it is done. Nothing was changed.");
+    case Status::full: return mark("Make room and try again. Nothing was changed.");
+    case Status::file_exists: return mark("Choose another name, or remove it first.");
     default: return nullptr;
   }
 }
@@ -39,10 +41,8 @@ std::string ids_of(std::vector<BookEntry const *> const &entries) {
 
 void require(Status status, std::string const &path) {
   if (status == Status::success) return;
-  std::string sentence(describe(status));
-  sentence.front() = char(std::tolower(static_cast<unsigned char>(sentence.front())));
-  char const *hint = advice(status);
-  throw Failure(path + ": " + sentence + (hint != nullptr ? std::string("; ") + hint : std::string()));
+  char const *const hint = advice(status);
+  throw Failure(path + ": " + sentence_about(status) + (hint != nullptr ? " " + tr(hint) : ""));
 }
 
 gad::File open_book(std::string const &path, gad::Access access) {
@@ -84,9 +84,9 @@ BookEntry const &entry_named(BookContents const &book, std::string const &word) 
   std::vector<BookEntry const *> found;
   for (BookEntry const &entry : book.entries)
     if (number ? entry.id == id : entry.contact.name == word) found.push_back(&entry);
-  if (found.empty()) throw Failure("there is no entry " + in_quotes(word) + "; 'gad list' shows ids and names");
+  if (found.empty()) throw Failure(tr("There is no entry {0}. 'gad list' shows ids and names.", in_quotes(word)));
   if (found.size() > 1)
-    throw Failure("there are several entries " + in_quotes(word) + "; name one of the ids " + ids_of(found));
+    throw Failure(tr("There are several entries {0}. Name one of the ids {1}.", in_quotes(word), ids_of(found)));
   return *found.front();
 }
 
@@ -94,7 +94,7 @@ BookGroup const &group_named(BookContents const &book, std::string const &name) 
   auto const found =
       std::find_if(book.groups.begin(), book.groups.end(), [&](BookGroup const &group) { return group.name == name; });
   if (found == book.groups.end())
-    throw Failure("there is no group " + in_quotes(name) + "; 'gad group FILE' shows them");
+    throw Failure(tr("There is no group {0}. 'gad group FILE' shows them.", in_quotes(name)));
   return *found;
 }
 

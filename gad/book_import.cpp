@@ -3,6 +3,7 @@
 #include "gad/book.h"
 #include "gad/contact_rules.h"
 #include "gad/text.h"
+#include "texts/texts.h"
 
 #include <ctime>
 #include <unordered_map>
@@ -37,15 +38,16 @@ private:
         change_.add({0, contact.name, contact.number, contact.company, contact.note, registered_, std::string()}, &id);
     if (status == Status::present) {
       ++result_.present;
-      contacts_.remark(contact.line, who + ": the book has this name with this number already", Weight::detail);
+      contacts_.remark(contact.line, who + ": " + tr("The book has this name with this number already."), Weight::detail);
       require(book_.find(contact.name, contact.number, id), path_);
     } else {
       require(status, path_);
       ++result_.added;
       if (std::string const refused = refused_characters(contact.number); !refused.empty())
-        contacts_.remark(contact.line, who + ": the number " + in_quotes(contact.number) +
-                                           " is kept as it is, but holds " + refused +
-                                           ", which cannot be typed in the fax dialog");
+        contacts_.remark(contact.line,
+                         who + ": " + tr("The number {0} is kept as it is, but holds {1}, which cannot be typed in the "
+                                         "fax dialog.",
+                                         in_quotes(contact.number), refused));
     }
     for (std::string const &group : contact.groups) join(contact, id, group);
   }
@@ -55,8 +57,9 @@ private:
     if (id == 0) return;
     Status const status = change_.add_member(id, individual);
     if (status == Status::no_member)
-      return contacts_.remark(contact.line, in_quotes(contact.name) + ": not in group " + in_quotes(group) +
-                                                ": its id is above " + std::to_string(gad::greatest_member_id));
+      return contacts_.remark(contact.line,
+                              called(contact) + ": " + tr("It is not put into group {0}, as its id is above {1}.",
+                                                          in_quotes(group), gad::greatest_member_id));
     require(status, path_);
   }
 
@@ -66,7 +69,7 @@ private:
     if (known != group_ids_.end()) return known->second;
     std::uint32_t id = 0;
     if (auto const fault = fault_of_group(name)) {
-      contacts_.skip(line, "group " + in_quotes(name) + ": " + *fault);
+      contacts_.skip(line, tr("Group {0}: {1}", in_quotes(name), *fault));
     } else if (Status const status = book_.find_group(name, id); status == Status::no_entry) {
       require(change_.add_group(name, &id), path_);
       ++result_.groups;

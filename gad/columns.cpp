@@ -2,6 +2,7 @@
 
 #include "gad/failure.h"
 #include "gad/text.h"
+#include "texts/texts.h"
 
 #include <algorithm>
 #include <charconv>
@@ -118,7 +119,8 @@ std::size_t chosen_column(std::string const &choice, std::vector<std::string> co
     for (std::size_t column = 0; column < header.size(); ++column)
       if (comparable(header[column]) == comparable(choice)) return column;
   }
-  throw Failure("--map: there is no column " + in_quotes(choice) + "; the columns are " + list_of(header), exit_usage);
+  throw Failure(tr("--map: There is no column {0}. The columns are {1}.", in_quotes(choice), list_of(header)),
+                exit_usage);
 }
 
 // The user's word counts for every kind of name or number, not beside what the header would have given.
@@ -169,9 +171,8 @@ void override_columns(Columns &columns, std::vector<std::string> const &choices,
     std::size_t const sign = choice.find('=');
     auto const field = sign == std::string::npos ? std::nullopt : chosen_field(choice.substr(0, sign));
     if (!field)
-      throw Failure("--map: " + in_quotes(choice) +
-                        " is not FIELD=COLUMN with one of the fields name, given, middle, family, "
-                        "number, company, note, group",
+      throw Failure(tr("--map: {0} is not FIELD=COLUMN with one of the fields {1}.", in_quotes(choice),
+                       "name, given, middle, family, number, company, note, group"),
                     exit_usage);
     replace_field(columns, *field, chosen_column(choice.substr(sign + 1), header));
   }

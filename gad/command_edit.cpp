@@ -4,6 +4,7 @@
 #include "gad/failure.h"
 #include "gad/listing.h"
 #include "gad/text.h"
+#include "texts/texts.h"
 
 #include <ctime>
 #include <filesystem>
@@ -36,13 +37,13 @@ std::uint32_t group_id(gad::File const &file, gad::Change &change, std::string c
 }
 
 void list_groups(BookContents const &book, ListFormat format) {
-  Listing listing({"name", "members"}, format);
+  Listing listing({{"name", mark("Name")}, {"members", mark("Members")}}, format);
   for (BookGroup const &group : book.groups) listing.add({group.name, std::uint32_t(group.members.size())});
   listing.print();
 }
 
 void list_members(BookContents const &book, GroupChoices const &choices) {
-  Listing listing({"id", "name", "number"}, choices.format);
+  Listing listing({{"id", mark("Id")}, {"name", mark("Name")}, {"number", mark("Fax number")}}, choices.format);
   for (std::size_t member : group_named(book, choices.name).members) {
     BookEntry const &entry = book.entries[member];
     listing.add({entry.id, entry.contact.name, entry.contact.number});
@@ -60,7 +61,7 @@ void change_group(GroupChoices const &choices, BookContents const &book, gad::Ch
   if (choices.create) {
     if (auto const fault = fault_of_group(choices.name)) throw Failure(*fault, exit_usage);
     Status const status = change.add_group(choices.name, &group);
-    if (status == Status::present) throw Failure("the group " + in_quotes(choices.name) + " is there already");
+    if (status == Status::present) throw Failure(tr("The group {0} is there already.", in_quotes(choices.name)));
     require(status, choices.book);
   } else {
     group = group_named(book, choices.name).id;
@@ -69,14 +70,14 @@ void change_group(GroupChoices const &choices, BookContents const &book, gad::Ch
     require(change.add_member(group, entry_named(book, word).id), choices.book);
   for (std::string const &word : choices.remove) {
     Status const status = change.remove_member(group, entry_named(book, word).id);
-    if (status == Status::no_entry) throw Failure(in_quotes(word) + " is not in the group " + in_quotes(choices.name));
+    if (status == Status::no_entry) throw Failure(tr("{0} is not in the group {1}.", in_quotes(word), in_quotes(choices.name)));
     require(status, choices.book);
   }
   if (choices.erase) require(change.remove_group(group), choices.book);
   if (choices.new_name.empty()) return;
   if (auto const fault = fault_of_group(choices.new_name)) throw Failure(*fault, exit_usage);
   Status const status = change.rename_group(group, choices.new_name);
-  if (status == Status::present) throw Failure("the group " + in_quotes(choices.new_name) + " is there already");
+  if (status == Status::present) throw Failure(tr("The group {0} is there already.", in_quotes(choices.new_name)));
   require(status, choices.book);
 }
 
@@ -85,7 +86,7 @@ void change_group(GroupChoices const &choices, BookContents const &book, gad::Ch
 int create_book(std::string const &book) {
   require(gad::File::create(std::filesystem::absolute(book).string()), book);
   if (!book.ends_with(".gad"))
-    std::cerr << "gad: note: the fax dialog shows only address books whose names end in .gad\n";
+    print_note(tr("The fax dialog shows only address books whose names end in .gad."));
   return exit_success;
 }
 
@@ -96,14 +97,14 @@ int add_entry(std::string const &book, Contact const &contact) {
     Status const status = change.add(
         {0, contact.name, contact.number, contact.company, contact.note, std::time(nullptr), std::string()}, &id);
     if (status == Status::present)
-      throw Failure(book + ": " + in_quotes(contact.name) + " is there already with the number " +
-                    in_quotes(contact.number));
+      throw Failure(book + ": " + tr("{0} is there already with the number {1}.", in_quotes(contact.name),
+                                     in_quotes(contact.number)));
     require(status, book);
     for (std::string const &group : contact.groups)
       require(change.add_member(group_id(file, change, group, book), id), book);
   });
   if (std::string const refused = refused_characters(contact.number); !refused.empty())
-    std::cerr << "gad: note: the number holds " << refused << ", which cannot be typed in the fax dialog\n";
+    print_note(tr("The number holds {0}, which cannot be typed in the fax dialog.", refused));
   std::cout << id << '\n';
   return exit_success;
 }

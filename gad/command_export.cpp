@@ -2,9 +2,11 @@
 #include "gad/commands.h"
 #include "gad/failure.h"
 #include "gad/files.h"
+#include "gad/listing.h"
 #include "gad/progress.h"
 #include "gad/text.h"
 #include "gad/vcard_contacts.h"
+#include "texts/texts.h"
 
 #include <iostream>
 
@@ -18,11 +20,11 @@ ExportFormat format_of(ExportChoices const &choices) {
   std::string const &target = choices.target;
   if (target.ends_with(".csv") || target.ends_with(".CSV")) return ExportFormat::csv;
   if (target == "-" || target.ends_with(".vcf") || target.ends_with(".VCF")) return ExportFormat::vcard4;
-  throw Failure(target + ": neither .vcf nor .csv; say which with --to", exit_usage);
+  throw Failure(target + ": " + tr("This is neither .vcf nor .csv. Say which with --to."), exit_usage);
 }
 
 void note(ExportChoices const &choices, std::string const &text) {
-  if (!choices.quiet) std::cerr << "gad: note: " << text << '\n';
+  if (!choices.quiet) print_note(text);
 }
 
 std::string csv_of(BookContents const &book, ExportChoices const &choices, Progress &progress) {
@@ -33,7 +35,7 @@ std::string csv_of(BookContents const &book, ExportChoices const &choices, Progr
     progress.show(double(&entry - book.entries.data()) / double(book.entries.size()));
   }
   for (BookGroup const &group : book.groups)
-    if (group.members.empty()) note(choices, "group " + in_quotes(group.name) + " has no members and no place in CSV");
+    if (group.members.empty()) note(choices, tr("Group {0} has no members, and so no place in CSV.", in_quotes(group.name)));
   return text;
 }
 
@@ -51,7 +53,8 @@ std::string vcards_of(BookContents const &book, VcardVersion version, ExportChoi
     progress.show(double(&entry - book.entries.data()) / double(book.entries.size()));
     if (has_lone_return(entry.contact.name + entry.contact.note))
       note(choices,
-           in_quotes(entry.contact.name) + ": a carriage return becomes a line break, as vCards know no other");
+           in_quotes(entry.contact.name) + ": " +
+               tr("A carriage return becomes a line break, as vCards know no other."));
   }
   for (BookGroup const &group : book.groups) {
     std::vector<std::string> members;
@@ -68,7 +71,7 @@ int export_book(ExportChoices const &choices) {
   BookContents const book = read_book(choices.book);
   std::string text;
   {
-    Progress progress("Exporting", choices.quiet);
+    Progress progress(tr("Exporting"), choices.quiet);
     text =
         format == ExportFormat::csv
             ? csv_of(book, choices, progress)

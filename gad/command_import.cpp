@@ -7,6 +7,7 @@
 #include "gad/text.h"
 #include "gad/text_encoding.h"
 #include "gad/vcard_contacts.h"
+#include "texts/texts.h"
 
 #include <algorithm>
 #include <iostream>
@@ -16,18 +17,18 @@ namespace {
 
 constexpr std::size_t remarks_shown = 20;
 
-std::string label(ImportChoices const &choices) { return choices.source == "-" ? "standard input" : choices.source; }
+std::string label(ImportChoices const &choices) { return choices.source == "-" ? tr("standard input") : choices.source; }
 
 Contacts read_list(ImportChoices const &choices) {
   DecodedText const decoded = decode_text_file(read_whole(choices.source), choices.encoding);
   bool const vcard =
       choices.format == ImportFormat::automatic ? is_vcard(decoded.text) : choices.format == ImportFormat::vcard;
-  Progress progress("Reading  ", choices.quiet);
+  Progress progress(tr("Reading"), choices.quiet);
   auto const show = [&](double share) { progress.show(share); };
   Contacts contacts = vcard ? read_vcard_contacts(decoded.text, choices.csv.fax_only, show)
                             : read_csv_contacts(decoded.text, choices.csv, show);
   if (decoded.guessed)
-    contacts.remark(0, "read as " + decoded.encoding + ", which is a guess; if letters look wrong say --encoding");
+    contacts.remark(0, note_of_guess(decoded));
   return contacts;
 }
 
@@ -45,16 +46,22 @@ void print_remarks(Contacts &contacts, ImportChoices const &choices) {
         continue;
       }
     }
-    std::cerr << label(choices);
-    if (remark.line > 0) std::cerr << ':' << remark.line;
-    std::cerr << (skipped ? ": skipped: " : ": note: ") << remark.text << '\n';
+    std::string const place = label(choices) + (remark.line > 0 ? ":" + std::to_string(remark.line) : "");
+    //: {0} is a sentence about an entry of a list.
+    std::cerr << place << ": " << (skipped ? tr("skipped: {0}", remark.text) : tr("note: {0}", remark.text)) << '\n';
   }
-  if (kept_back > 0) std::cerr << label(choices) << ": " << kept_back << " more notes; --verbose shows them\n";
+  if (kept_back == 0) return;
+  std::cerr << label(choices) << ": "
+            << tr_n("{0} more note. --verbose shows it.", "{0} more notes. --verbose shows them.", kept_back, kept_back)
+            << '\n';
 }
 
 void print_summary(ImportResult const &result, Contacts const &contacts, bool dry_run) {
-  std::cout << (dry_run ? "Would add " : "Added ") << result.added << ", already there " << result.present
-            << ", skipped " << contacts.skipped << ", new groups " << result.groups << '\n';
+  //: Numbers of entries.
+  char const *const sums = dry_run ? mark("Would add {0}, already there {1}, skipped {2}, new groups {3}")
+                                   //: Numbers of entries.
+                                   : mark("Added {0}, already there {1}, skipped {2}, new groups {3}");
+  std::cout << tr(sums, result.added, result.present, contacts.skipped, result.groups) << '\n';
   finish_output();
 }
 
@@ -68,7 +75,7 @@ int import_list(ImportChoices const &choices) {
   } catch (Failure const &failure) {
     std::string const prefix =
         std::string(failure.what()).starts_with(choices.source + ":") ? "" : label(choices) + ": ";
-    throw Failure(prefix + failure.what() + "; nothing was imported", failure.code);
+    throw Failure(prefix + failure.what() + " " + tr("Nothing was imported."), failure.code);
   }
   if (!choices.group.empty())
     for (Contact &contact : contacts.people)
@@ -76,7 +83,7 @@ int import_list(ImportChoices const &choices) {
         contact.groups.push_back(choices.group);
   ImportResult result;
   {
-    Progress progress("Importing", choices.quiet);
+    Progress progress(tr("Importing"), choices.quiet);
     result = import_into(choices.book, contacts, choices.dry_run, [&](double share) { progress.show(share); });
   }
   if (!choices.quiet) {

@@ -2,6 +2,7 @@
 #include "gad/commands.h"
 #include "gad/files.h"
 #include "gad/listing.h"
+#include "texts/texts.h"
 
 #include <algorithm>
 
@@ -20,7 +21,13 @@ int list_entries(ListChoices const &choices) {
   BookContents const book = read_book(choices.book);
   if (!choices.group.empty()) group_named(book, choices.group);
   std::string const search = gad::fold(choices.search);
-  Listing listing({"id", "name", "number", "company", "note", "groups"}, choices.format);
+  Listing listing({{"id", mark("Id")},
+                   {"name", mark("Name")},
+                   {"number", mark("Fax number")},
+                   {"company", mark("Company")},
+                   {"note", mark("Note")},
+                   {"groups", mark("Groups")}},
+                  choices.format);
   for (BookEntry const &entry : book.entries)
     if (is_wanted(entry, choices, search))
       listing.add({entry.id, entry.contact.name, entry.contact.number, entry.contact.company, entry.contact.note,

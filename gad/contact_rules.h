@@ -12,7 +12,7 @@ namespace fax::tool {
 // A contact in a message: its name in quotes.
 std::string called(Contact const &contact);
 
-// Why the book cannot hold a contact or a group of this name: "the name is empty"; none when it can.
+// Why the book cannot hold a contact or a group of this name: "The name is empty."; none when it can.
 std::optional<std::string> fault_of(Contact const &contact);
 std::optional<std::string> fault_of_group(std::string_view name);
 

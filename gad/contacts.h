@@ -25,7 +25,7 @@ enum class Weight {
 struct Remark {
   std::size_t line = 0;  // 0: about the whole list
   Weight weight = Weight::note;
-  std::string text;  // no line break, no full stop
+  std::string text;  // of one line
 };
 
 struct Contacts {

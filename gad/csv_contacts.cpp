@@ -6,6 +6,7 @@
 #include "gad/names.h"
 #include "gad/numbers.h"
 #include "gad/text.h"
+#include "texts/texts.h"
 
 #include <algorithm>
 
@@ -117,7 +118,8 @@ public:
   explicit Importer(CsvChoices const &choices) : choices_(choices) {}
 
   void row(CsvRow &row) {
-    if (row.fault != nullptr) throw Failure("line " + std::to_string(row.line) + ": " + row.fault);
+    //: {1} is a sentence about that line of a file.
+    if (row.fault != nullptr) throw Failure(tr("Line {0}: {1}", row.line, tr(row.fault)));
     if (!columns_known_)
       learn_columns(row);
     else
@@ -134,22 +136,23 @@ private:
       for (std::size_t i = 0; i < header.size(); ++i) header[i] = std::to_string(i + 1);
     columns_ = choices_.no_header ? Columns() : map_columns(header);
     override_columns(columns_, choices_.columns, header);
-    require(row.line, header, {Field::name, Field::given, Field::family, Field::company}, "names", "name");
+    require(row.line, header, {Field::name, Field::given, Field::family, Field::company},
+            mark("Line {0}: No column is known to hold names. Say which with 'gad import --map name=COLUMN'. The columns "
+                 "are {1}."));
     require(row.line, header,
             {Field::fax, Field::fax_work, Field::fax_other, Field::voice, Field::voice_other, Field::labelled},
-            "numbers", "number");
+            mark("Line {0}: No column is known to hold numbers. Say which with 'gad import --map number=COLUMN'. The "
+                 "columns are {1}."));
     columns_known_ = true;
     if (choices_.no_header) contact(row);
   }
 
   void require(std::size_t line, std::vector<std::string> const &header, std::initializer_list<Field> fields,
-               char const *what, char const *field) const {
+               char const *missing) const {
     if (std::any_of(fields.begin(), fields.end(), [this](Field one) { return columns_.contains(one); })) return;
     std::string names;
     for (std::string const &name : header) names += (names.empty() ? "" : ", ") + in_quotes(name);
-    throw Failure("line " + std::to_string(line) + ": no column is known to hold " + what + "; say which with --map " +
-                  field + "=COLUMN" + (choices_.no_header ? " (columns have numbers from 1)" : "") +
-                  "; the columns are " + names);
+    throw Failure(tr(missing, line, names));
   }
 
   void contact(CsvRow const &row) {
@@ -184,7 +187,7 @@ Contacts read_csv_contacts(std::string_view text, CsvChoices const &choices,
     progress(std::min(1.0, double(read) / double(text.size())));
     return true;
   });
-  if (!importer.columns_known()) throw Failure("there is no table in it: the file is empty");
+  if (!importer.columns_known()) throw Failure(tr("There is no table in it: the file is empty."));
   return importer.take();
 }
 

@@ -1,5 +1,7 @@
 #include "gad/csv_table.h"
 
+#include "texts/texts.h"
+
 #include <csv.h>
 
 #include <algorithm>
@@ -36,7 +38,7 @@ public:
       text.remove_prefix(end);
     }
     if (!wanted_) return;
-    if (within_quotes()) row_.fault = "quotes open and never close; is the file cut off?";
+    if (within_quotes()) row_.fault = mark("Quotes open and never close. Is the file cut off?");
     if (csv_fini(&parser_, on_cell, on_row, this) != 0) throw std::bad_alloc();
     hand_over();
   }
@@ -66,7 +68,7 @@ private:
   static void on_cell(void *cell, std::size_t size, void *self) noexcept {
     auto *reader = static_cast<Reader *>(self);
     if (reader->row_.cells.size() == most_cells) {
-      reader->row_.fault = "more than 10000 cells; is the delimiter right?";
+      reader->row_.fault = mark("There are more than 10000 cells. Is the delimiter right?");
       return;
     }
     try {

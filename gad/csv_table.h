@@ -12,7 +12,7 @@ namespace fax::tool {
 struct CsvRow {
   std::vector<std::string> cells;
   std::size_t line = 0;         // where it begins, from 1
-  char const *fault = nullptr;  // why it is no row, for a person: quotes that never end, more cells than a table has
+  char const *fault = nullptr;  // why it is no row, for tr(): quotes that never end, more cells than a table has
 };
 
 // Calls visit with each row in turn while it answers true; blank lines are none. White space around a cell outside

@@ -1,6 +1,7 @@
 #include "gad/files.h"
 
 #include "gad/failure.h"
+#include "texts/texts.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -33,7 +34,7 @@ private:
   bool owned_;
 };
 
-[[noreturn]] void fail(std::string const &path, int error) { throw Failure(path + ": " + std::strerror(error)); }
+[[noreturn]] void fail(std::string const &path, int error) { throw Failure(path + ": " + std::strerror(error) + "."); }
 
 void write_all(int file, std::string_view content, std::string const &path) {
   while (!content.empty()) {
@@ -75,7 +76,7 @@ public:
 
 private:
   [[noreturn]] void refuse(int error) const {
-    if (error == EEXIST) throw Failure(target_ + ": the file exists already; --force replaces it");
+    if (error == EEXIST) throw Failure(target_ + ": " + tr("The file exists already. --force replaces it."));
     fail(target_, error);
   }
 
@@ -97,7 +98,7 @@ std::string read_whole(std::string const &path) {
     if (size < 0 && errno == EINTR) continue;
     if (size < 0) fail(path, errno);
     if (size == 0) return content;
-    if (content.size() + std::size_t(size) > largest) throw Failure(path + ": the file is larger than 1 GiB");
+    if (content.size() + std::size_t(size) > largest) throw Failure(path + ": " + tr("The file is larger than 1 GiB."));
     content.append(piece.data(), std::size_t(size));
   }
 }
@@ -122,7 +123,7 @@ void write_whole(std::string const &path, std::string_view content, bool replace
 
 void finish_output() {
   std::cout.flush();
-  if (!std::cout) throw Failure(std::string("standard output: ") + std::strerror(errno));
+  if (!std::cout) fail(tr("standard output"), errno);
 }
 
 }  // namespace fax::tool

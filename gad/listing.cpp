@@ -2,6 +2,7 @@
 
 #include "gad/files.h"
 #include "gad/text.h"
+#include "texts/texts.h"
 
 #include <nlohmann/json.hpp>
 #include <unistd.h>
@@ -33,7 +34,9 @@ nlohmann::ordered_json json_of(Listing::Cell const &cell) {
 
 }  // namespace
 
-Listing::Listing(std::vector<std::string> columns, ListFormat format) : columns_(std::move(columns)), format_(format) {
+void print_note(std::string const &sentence) { std::cerr << "gad: " << tr("note: {0}", sentence) << '\n'; }
+
+Listing::Listing(std::vector<ColumnTitle> columns, ListFormat format) : columns_(std::move(columns)), format_(format) {
   if (format_ == ListFormat::automatic) format_ = isatty(STDOUT_FILENO) == 1 ? ListFormat::table : ListFormat::tsv;
 }
 
@@ -55,7 +58,7 @@ void Listing::print_json() const {
   auto array = nlohmann::ordered_json::array();
   for (auto const &row : rows_) {
     nlohmann::ordered_json object;
-    for (std::size_t i = 0; i < row.size(); ++i) object[columns_[i]] = json_of(row[i]);
+    for (std::size_t i = 0; i < row.size(); ++i) object[columns_[i].key] = json_of(row[i]);
     array.push_back(std::move(object));
   }
   // A stranger's file may hold bytes that are no UTF-8.
@@ -63,7 +66,8 @@ void Listing::print_json() const {
 }
 
 void Listing::print_table() const {
-  std::vector<std::vector<std::string>> lines{columns_};
+  std::vector<std::vector<std::string>> lines(1);
+  for (ColumnTitle const &column : columns_) lines.front().push_back(tr(column.title));
   for (auto const &row : rows_) {
     auto &line = lines.emplace_back();
     for (Cell const &cell : row) line.push_back(text_of(cell));

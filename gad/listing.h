@@ -10,11 +10,19 @@
 
 namespace fax::tool {
 
+// On standard error, beside what a command prints: a sentence worth knowing.
+void print_note(std::string const &sentence);
+
+struct ColumnTitle {
+  char const *key;    // in JSON, the same in every language
+  char const *title;  // in a table, for tr()
+};
+
 class Listing {
 public:
   using Cell = std::variant<std::uint32_t, std::string, std::vector<std::string>>;
 
-  Listing(std::vector<std::string> columns, ListFormat format);
+  Listing(std::vector<ColumnTitle> columns, ListFormat format);
 
   // As many cells as there are columns.
   void add(std::vector<Cell> row) { rows_.push_back(std::move(row)); }
@@ -28,7 +36,7 @@ private:
   void print_tsv() const;
   void print_json() const;
 
-  std::vector<std::string> columns_;
+  std::vector<ColumnTitle> columns_;
   ListFormat format_;
   std::vector<std::vector<Cell>> rows_;
 };

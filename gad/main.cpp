@@ -1,7 +1,9 @@
 // gad: address books of the fax dialog, from a shell.
 
+#include "gad/command_words.h"
 #include "gad/commands.h"
 #include "gad/failure.h"
+#include "texts/texts.h"
 
 #include <CLI/CLI.hpp>
 #include <glib.h>
@@ -14,16 +16,18 @@
 namespace {
 
 using namespace fax::tool;
+using fax::tr;
 
-CLI::App *add_command(CLI::App &program, char const *name, char const *description, std::string &book) {
-  CLI::App *command = program.add_subcommand(name, description);
-  command->add_option("FILE", book, "the address book")->required()->type_name("");
+CLI::App *add_command(CLI::App &program, char const *name, std::string const &description, std::string &book) {
+  CLI::App *command = program.add_subcommand(name, description)->group(tr("Commands"));
+  command->get_help_ptr()->group(tr("Options"));  // made before the program could say
+  command->add_option("FILE", book, tr("the address book"))->required()->type_name("");
   return command;
 }
 
 template <typename Value>
 void add_choice(CLI::App *command, char const *option, Value &value, std::map<std::string, Value> const &words,
-                char const *description) {
+                std::string const &description) {
   command
       ->add_option_function<std::string>(
           option, [&value, words](std::string const &word) { value = words.at(word); }, description)
@@ -34,10 +38,10 @@ void add_choice(CLI::App *command, char const *option, Value &value, std::map<st
 void add_format(CLI::App *command, ListFormat &format) {
   add_choice<ListFormat>(command, "--format", format,
                          {{"table", ListFormat::table}, {"tsv", ListFormat::tsv}, {"json", ListFormat::json}},
-                         "how to print; otherwise a table on a terminal and tsv elsewhere");
+                         tr("how to print; otherwise a table on a terminal and tsv elsewhere"));
 }
 
-void add_delimiter(CLI::App *command, char &delimiter, char const *description) {
+void add_delimiter(CLI::App *command, char &delimiter, std::string const &description) {
   command
       ->add_option_function<std::string>(
           "--delimiter",
@@ -47,14 +51,14 @@ void add_delimiter(CLI::App *command, char &delimiter, char const *description) 
         bool const good =
             text == "tab" || text == "\\t" ||
             (text.size() == 1 && text.front() > 0 && std::string("\"\r\n ").find(text) == std::string::npos);
-        return good ? std::string() : std::string("one ASCII character, or tab");
+        return good ? std::string() : tr("One ASCII character is needed, or tab.");
       })
       ->type_name("CHARACTER");
 }
 
 // The options of every command; the ones of the command that was given are filled in.
 struct Program {
-  CLI::App app{"Makes, shows and changes address books of the fax dialog.", "gad"};
+  CLI::App app{tr("Makes, shows and changes address books of the fax dialog."), "gad"};
   std::string new_book;
   ListChoices list;
   std::string add_book, remove_book;
@@ -66,10 +70,12 @@ struct Program {
   int code = exit_success;
 
   Program() {
-    app.set_version_flag("--version", "gad " GAD_VERSION);
-    app.set_help_flag("-h,--help", "show this help and end");
+    app.formatter(help_format());
+    app.option_defaults()->group(tr("Options"));
+    app.set_version_flag("--version", "gad " GAD_VERSION, tr("show the version and end"));
+    app.set_help_flag("-h,--help", tr("show this help and end"));
     app.require_subcommand(1);
-    app.footer("'gad COMMAND --help' tells all about a command, gad.1 all of it.");
+    app.footer(tr("'gad COMMAND --help' tells all about a command, gad.1 all of it."));
     create();
     listing();
     adding();
@@ -80,27 +86,27 @@ struct Program {
   }
 
   void create() {
-    CLI::App *command = add_command(app, "create", "make a new, empty address book", new_book);
+    CLI::App *command = add_command(app, "create", tr("make a new, empty address book"), new_book);
     command->callback([this] { code = create_book(new_book); });
   }
 
   void listing() {
-    CLI::App *command = add_command(app, "list", "show entries: id, name, number, company, note, groups", list.book);
-    command->add_option("--search", list.search, "only names that hold this text, in any letter case")
+    CLI::App *command = add_command(app, "list", tr("show entries: id, name, number, company, note, groups"), list.book);
+    command->add_option("--search", list.search, tr("only names that hold this text, in any letter case"))
         ->type_name("TEXT");
-    command->add_option("--group", list.group, "only members of this group")->type_name("GROUP");
+    command->add_option("--group", list.group, tr("only members of this group"))->type_name("GROUP");
     add_format(command, list.format);
     command->callback([this] { code = list_entries(list); });
   }
 
   void adding() {
-    CLI::App *command = add_command(app, "add", "add one entry and print its id", add_book);
-    command->add_option("NAME", contact.name, "who it is")->required()->type_name("");
-    command->add_option("NUMBER", contact.number, "the fax number")->required()->type_name("");
-    command->add_option("--company", contact.company, "the company it belongs to")->type_name("TEXT");
-    command->add_option("--note", contact.note, "anything else")->type_name("TEXT");
+    CLI::App *command = add_command(app, "add", tr("add one entry and print its id"), add_book);
+    command->add_option("NAME", contact.name, tr("who it is"))->required()->type_name("");
+    command->add_option("NUMBER", contact.number, tr("the fax number"))->required()->type_name("");
+    command->add_option("--company", contact.company, tr("the company it belongs to"))->type_name("TEXT");
+    command->add_option("--note", contact.note, tr("anything else"))->type_name("TEXT");
     command
-        ->add_option("--group", contact.groups, "a group to put it in, made when it is not there; may be given again")
+        ->add_option("--group", contact.groups, tr("a group to put it in, made when it is not there; may be given again"))
         ->type_name("GROUP")
         ->expected(1)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
@@ -108,21 +114,21 @@ struct Program {
   }
 
   void removing() {
-    CLI::App *command = add_command(app, "remove", "remove entries, all of them or none", remove_book);
-    command->add_option("ENTRY", removed, "ids or names")->required()->type_name("");
+    CLI::App *command = add_command(app, "remove", tr("remove entries, all of them or none"), remove_book);
+    command->add_option("ENTRY", removed, tr("ids or names"))->required()->type_name("");
     command->callback([this] { code = remove_entries(remove_book, removed); });
   }
 
   void grouping() {
-    CLI::App *command = add_command(app, "group", "show groups, or the members of one; change a group", group.book);
-    CLI::Option *name = command->add_option("GROUP", group.name, "the group's name")->type_name("");
-    CLI::Option *create = command->add_flag("--create", group.create, "make the group")->needs(name);
-    command->add_option("--add", group.add, "ids or names of entries that join")->type_name("ENTRY")->needs(name);
-    command->add_option("--remove", group.remove, "ids or names of members that leave")
+    CLI::App *command = add_command(app, "group", tr("show groups, or the members of one; change a group"), group.book);
+    CLI::Option *name = command->add_option("GROUP", group.name, tr("the group's name"))->type_name("");
+    CLI::Option *create = command->add_flag("--create", group.create, tr("make the group"))->needs(name);
+    command->add_option("--add", group.add, tr("ids or names of entries that join"))->type_name("ENTRY")->needs(name);
+    command->add_option("--remove", group.remove, tr("ids or names of members that leave"))
         ->type_name("ENTRY")
         ->needs(name);
-    command->add_option("--rename", group.new_name, "the group's new name")->type_name("NAME")->needs(name);
-    command->add_flag("--delete", group.erase, "remove the group; its members stay in the book")
+    command->add_option("--rename", group.new_name, tr("the group's new name"))->type_name("NAME")->needs(name);
+    command->add_flag("--delete", group.erase, tr("remove the group; its members stay in the book"))
         ->needs(name)
         ->excludes(create);
     add_format(command, group.format);
@@ -130,44 +136,44 @@ struct Program {
   }
 
   void importing() {
-    CLI::App *command = add_command(app, "import", "add the contacts of a vCard or CSV file", import.book);
-    command->add_option("SOURCE", import.source, "the file; - for standard input")->required()->type_name("");
+    CLI::App *command = add_command(app, "import", tr("add the contacts of a vCard or CSV file"), import.book);
+    command->add_option("SOURCE", import.source, tr("the file; - for standard input"))->required()->type_name("");
     add_choice<ImportFormat>(command, "--from", import.format,
                              {{"vcard", ImportFormat::vcard}, {"csv", ImportFormat::csv}},
-                             "what the file is, when that cannot be seen");
+                             tr("what the file is, when that cannot be seen"));
     command
         ->add_option("--encoding", import.encoding,
-                     "of the file: utf-8, utf-16le, latin1, windows-1252, shift-jis, ...")
+                     tr("of the file: utf-8, utf-16le, latin1, windows-1252, shift-jis, ..."))
         ->type_name("NAME");
-    add_delimiter(command, import.csv.delimiter, "between the cells of CSV; otherwise found out");
+    add_delimiter(command, import.csv.delimiter, tr("between the cells of CSV; otherwise found out"));
     command
         ->add_option("--map", import.csv.columns,
-                     "a column of CSV and what it holds, such as number=Fax; may be given again")
+                     tr("a column of CSV and what it holds, such as number=Fax; may be given again"))
         ->type_name("FIELD=COLUMN")
         ->allow_extra_args(false);
-    command->add_flag("--no-header", import.csv.no_header, "the first row of CSV is a contact; needs --map");
-    command->add_flag("--fax-only", import.csv.fax_only, "skip contacts without a fax number");
-    command->add_option("--group", import.group, "put all of them into this group too")->type_name("GROUP");
-    command->add_flag("-n,--dry-run", import.dry_run, "do everything, report, and keep nothing");
-    command->add_flag("-q,--quiet", import.quiet, "no report");
-    command->add_flag("-v,--verbose", import.verbose, "all notes, not only the first 20");
+    command->add_flag("--no-header", import.csv.no_header, tr("the first row of CSV is a contact; needs --map"));
+    command->add_flag("--fax-only", import.csv.fax_only, tr("skip contacts without a fax number"));
+    command->add_option("--group", import.group, tr("put all of them into this group too"))->type_name("GROUP");
+    command->add_flag("-n,--dry-run", import.dry_run, tr("do everything, report, and keep nothing"));
+    command->add_flag("-q,--quiet", import.quiet, tr("no report"));
+    command->add_flag("-v,--verbose", import.verbose, tr("all notes, not only the first 20"));
     command->callback([this] { code = import_list(import); });
   }
 
   void exporting() {
-    CLI::App *command = add_command(app, "export", "write all entries and groups as vCard or CSV", exported.book);
-    command->add_option("TARGET", exported.target, "the file, by its ending .vcf or .csv; - for standard output")
+    CLI::App *command = add_command(app, "export", tr("write all entries and groups as vCard or CSV"), exported.book);
+    command->add_option("TARGET", exported.target, tr("the file, by its ending .vcf or .csv; - for standard output"))
         ->type_name("");
     add_choice<ExportFormat>(command, "--to", exported.format,
                              {{"vcard", ExportFormat::vcard4},
                               {"vcard4", ExportFormat::vcard4},
                               {"vcard3", ExportFormat::vcard3},
                               {"csv", ExportFormat::csv}},
-                             "what to write");
-    add_delimiter(command, exported.delimiter, "between the cells of CSV; otherwise a comma");
-    command->add_flag("--bom", exported.byte_order_mark, "begin CSV with a byte order mark, for Excel");
-    command->add_flag("-f,--force", exported.replace, "replace a file that is there");
-    command->add_flag("-q,--quiet", exported.quiet, "no notes");
+                             tr("what to write"));
+    add_delimiter(command, exported.delimiter, tr("between the cells of CSV; otherwise a comma"));
+    command->add_flag("--bom", exported.byte_order_mark, tr("begin CSV with a byte order mark, for Excel"));
+    command->add_flag("-f,--force", exported.replace, tr("replace a file that is there"));
+    command->add_flag("-q,--quiet", exported.quiet, tr("no notes"));
     command->callback([this] { code = export_book(exported); });
   }
 
@@ -175,12 +181,13 @@ struct Program {
     std::string const first = count > 1 ? arguments[1] : "";
     auto const is_first = [&](CLI::App *command) { return command->get_name() == first; };
     if (!first.empty() && first.front() != '-' && app.get_subcommands(is_first).empty())
-      throw Failure("there is no command " + first + "; 'gad --help' shows them", exit_usage);
+      throw Failure(tr("There is no command {0}. 'gad --help' shows them.", first), exit_usage);
     try {
       app.parse(count, arguments);
       return code;
     } catch (CLI::ParseError const &error) {
-      return app.exit(error) == 0 ? exit_success : exit_usage;
+      if (error.get_exit_code() == 0) return app.exit(error);  // help, the version
+      throw Failure(complaint(error.what()) + " " + tr("--help shows what can be said."), exit_usage);
     }
   }
 };
@@ -191,6 +198,7 @@ GLogWriterOutput no_output(GLogLevelFlags, GLogField const *, gsize, gpointer) {
 }  // namespace
 
 int main(int count, char **arguments) {
+  fax::speak(fax::catalogue_folders());
   g_log_set_writer_func(no_output, nullptr, nullptr);
   std::ios::sync_with_stdio(false);
   try {
@@ -199,7 +207,7 @@ int main(int count, char **arguments) {
     std::cerr << "gad: " << failure.what() << '\n';
     return failure.code;
   } catch (std::bad_alloc const &) {
-    std::cerr << "gad: there is not enough memory; nothing was changed\n";
+    std::cerr << "gad: " << tr("There is not enough memory.") << ' ' << tr("Nothing was changed.") << '\n';
   } catch (std::exception const &error) {
     std::cerr << "gad: " << error.what() << '\n';
   }

@@ -2,6 +2,7 @@
 
 #include "gad/contact_rules.h"
 #include "gad/text.h"
+#include "texts/texts.h"
 
 #include <algorithm>
 #include <tuple>
@@ -30,22 +31,23 @@ void Numbers::choose(Contact &contact, bool fax_only, Contacts &contacts) {
     return std::tie(a.rank, a.preference) < std::tie(b.rank, b.preference);
   });
   std::string const who = called(contact);
-  if (numbers_.empty()) return contacts.skip(contact.line, who + ": no number");
+  if (numbers_.empty()) return contacts.skip(contact.line, who + ": " + tr("No number."));
   Number const &taken = numbers_.front();
   if (!is_fax(taken.rank)) {
-    if (fax_only) return contacts.skip(contact.line, who + ": no fax number");
-    contacts.remark(contact.line, who + ": no fax number; the telephone number " + in_quotes(taken.text) + " is taken");
+    if (fax_only) return contacts.skip(contact.line, who + ": " + tr("No fax number."));
+    contacts.remark(contact.line, who + ": " + tr("No fax number. The telephone number {0} is taken.", in_quotes(taken.text)));
   }
   std::string others;
   for (std::size_t i = 1; i < numbers_.size() && is_fax(numbers_[i].rank); ++i) {
     if (i > others_shown) {
-      others += " and others";
+      others = tr("{0} and others", others);
       break;
     }
     others += (others.empty() ? "" : ", ") + in_quotes(numbers_[i].text);
   }
   if (!others.empty())
-    contacts.remark(contact.line, who + ": the fax number " + in_quotes(taken.text) + " is taken, not " + others);
+    contacts.remark(contact.line,
+                    who + ": " + tr("The fax number {0} is taken, not {1}.", in_quotes(taken.text), others));
   contact.number = taken.text;
   contacts.people.push_back(std::move(contact));
 }

@@ -2,6 +2,7 @@
 
 #include "gad/failure.h"
 #include "gad/text.h"
+#include "texts/texts.h"
 
 #include <unicode/ucnv.h>
 #include <unicode/ucnv_err.h>
@@ -66,13 +67,13 @@ std::size_t lines(icu::UnicodeString const &text) {
 DecodedText decode_as(std::string_view bytes, std::string const &encoding, std::string const &label) {
   Converter const converter = open_converter(encoding);
   if (converter == nullptr)
-    throw Failure(
-        "the encoding " + in_quotes(label) + " is not known; try utf-8, utf-16le, windows-1252, latin1 or shift-jis",
-        exit_usage);
+    throw Failure(tr("The encoding {0} is not known. Try one of {1}.", in_quotes(label),
+                     "utf-8, utf-16le, windows-1252, latin1, shift-jis"),
+                  exit_usage);
   Conversion const conversion = convert(converter.get(), bytes);
   if (!conversion.complete)
-    throw Failure("line " + std::to_string(lines(conversion.text)) + " is not valid " + label +
-                  "; name the file's encoding with --encoding");
+    throw Failure(tr("Line {0} is not valid {1}. Name the file's encoding with 'gad import --encoding'.",
+                     lines(conversion.text), label));
   std::string text = to_utf8(conversion.text);
   if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
   return {std::move(text), label, false};
@@ -129,7 +130,8 @@ void refuse_binary(std::string_view text) {
   std::string_view const start = text.substr(0, 65536);
   auto const nulls = std::size_t(std::count(start.begin(), start.end(), '\0'));
   if (nulls > 8 && nulls > start.size() / 1000)
-    throw Failure("this is no text file (if it is UTF-16 without a byte order mark, say --encoding utf-16le)");
+    throw Failure(tr("This is no text file. If it is UTF-16 without a byte order mark, use 'gad import --encoding "
+                     "utf-16le'."));
 }
 
 }  // namespace
@@ -147,6 +149,12 @@ DecodedText decode_text_file(std::string_view bytes, std::string_view encoding) 
   }
   refuse_binary(result.text);
   return result;
+}
+
+std::string note_of_guess(DecodedText const &decoded) {
+  return tr("The file was read as {0}, which is a guess. If letters look wrong, name the encoding with 'gad import "
+            "--encoding'.",
+            decoded.encoding);
 }
 
 }  // namespace fax::tool

@@ -18,4 +18,7 @@ struct DecodedText {
 // unknown encoding and a file that is no text.
 DecodedText decode_text_file(std::string_view bytes, std::string_view encoding);
 
+// For a text whose encoding was guessed: what it was read as, in sentences.
+std::string note_of_guess(DecodedText const &decoded);
+
 }  // namespace fax::tool

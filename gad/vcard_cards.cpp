@@ -3,6 +3,7 @@
 #include "gad/failure.h"
 #include "gad/numbers.h"
 #include "gad/text.h"
+#include "texts/texts.h"
 
 #include <libebook-contacts/libebook-contacts.h>
 
@@ -89,19 +90,19 @@ void split_cards(std::string_view text, std::function<void(CardText const &, std
     if (begins && ++depth == 1) card = {"", line};
     if (depth == 1) card.text += one;
     if (card.text.size() > largest_card)
-      throw Failure("line " + std::to_string(card.line) + ": this card is larger than 16 MiB");
+      throw Failure(tr("Line {0}: This card is larger than {1} MiB.", card.line, largest_card >> 20));
     if (ends && depth > 0 && --depth == 0) visit(card, end);
   }
   if (depth > 0)
-    throw Failure("line " + std::to_string(card.line) + ": this card has no END:VCARD; is the file cut off?");
+    throw Failure(tr("Line {0}: This card has no END:VCARD. Is the file cut off?", card.line));
 }
 
 std::optional<std::string> fault_of(CardText const &card) {
   // The parser works on C strings, and its time grows with the square of the parts that separators make.
-  if (card.text.find('\0') != std::string::npos) return "it holds null characters";
+  if (card.text.find('\0') != std::string::npos) return tr("A card holds null characters.");
   auto const separators =
       std::count_if(card.text.begin(), card.text.end(), [](char c) { return c == ';' || c == ','; });
-  if (separators > most_separators) return "it has more parts than any card";
+  if (separators > most_separators) return tr("A card has more parts than any card.");
   return std::nullopt;
 }
 

@@ -32,7 +32,7 @@ struct Property {
   bool has_type(std::string_view type) const;
 };
 
-// Why a card cannot be read, for a person: null characters, more parts than any card has; none when it can.
+// Why a card cannot be read, a sentence: null characters, more parts than any card has; none when it can.
 std::optional<std::string> fault_of(CardText const &card);
 
 // Of a card without fault; empty for a text that is none.

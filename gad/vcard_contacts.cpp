@@ -5,6 +5,7 @@
 #include "gad/numbers.h"
 #include "gad/text.h"
 #include "gad/vcard_cards.h"
+#include "texts/texts.h"
 
 #include <glib.h>
 
@@ -112,7 +113,7 @@ public:
   explicit Importer(bool fax_only) : fax_only_(fax_only) {}
 
   void card(CardText const &text) {
-    if (auto const fault = fault_of(text)) return contacts_.skip(text.line, "a card: " + *fault);
+    if (auto const fault = fault_of(text)) return contacts_.skip(text.line, *fault);
     Card card = read_card(text);
     if (card.group) {
       if (!card.uid.empty()) group_uids_.insert(card.uid);
@@ -133,7 +134,7 @@ public:
 private:
   void join(Card const &group) {
     std::string const &name = group.contact.name;
-    if (trimmed(name).empty()) return contacts_.skip(group.contact.line, "a group without a name");
+    if (trimmed(name).empty()) return contacts_.skip(group.contact.line, tr("A group has no name."));
     contacts_.groups.push_back(name);
     std::size_t missing = 0, nested = 0;
     for (std::string const &member : group.members) {
@@ -143,12 +144,16 @@ private:
       else
         ++(group_uids_.contains(member) ? nested : missing);
     }
-    auto const say = [&](std::size_t count, char const *what) {
-      if (count > 0)
-        contacts_.remark(group.contact.line, "group " + in_quotes(name) + ": " + std::to_string(count) + what);
+    auto const say = [&](std::string const &what) {
+      //: {0} is a name in quotation marks, {1} a sentence about it.
+      contacts_.remark(group.contact.line, tr("Group {0}: {1}", in_quotes(name), what));
     };
-    say(missing, " of its members left out: no such card, or skipped");
-    say(nested, " of its members left out: groups, which cannot be in a group");
+    if (missing > 0)
+      say(tr_n("{0} member is left out: there is no such card, or it was skipped.",
+               "{0} members are left out: there are no such cards, or they were skipped.", missing, missing));
+    if (nested > 0)
+      say(tr_n("{0} member is left out: it is a group, which cannot be in a group.",
+               "{0} members are left out: they are groups, which cannot be in a group.", nested, nested));
   }
 
   static void add_group(std::vector<std::string> &groups, std::string const &name) {
@@ -236,7 +241,7 @@ Contacts read_vcard_contacts(std::string_view text, bool fax_only, std::function
     progress(double(position) / double(text.size()));
     any = true;
   });
-  if (!any) throw Failure("there is no vCard in it: no line BEGIN:VCARD");
+  if (!any) throw Failure(tr("There is no vCard in it: no line BEGIN:VCARD."));
   return importer.finish();
 }
 

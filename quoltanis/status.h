@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstdint>
-#include <string_view>
 
 namespace fax {
 
@@ -46,8 +45,5 @@ enum class Status : std::uint32_t {
   incomplete = 0x20000126,     // the server, or this library's own limit, cut the list short
   bad_answer = 0x20000127,     // what came is no LDAP
 };
-
-// One English sentence without a full stop, for a person: "The file is damaged". Lives for ever.
-std::string_view describe(Status status);
 
 }  // namespace fax

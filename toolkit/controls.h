@@ -5,14 +5,19 @@
 namespace fax::toolkit {
 
 inline constexpr CGFloat kMargin = 16;
-inline constexpr CGFloat kRow = 24;  // height of a line with a button, a pop-up or a field
+inline constexpr CGFloat kRow = 24;  // height of a line with a button, a pop-up or a field, in a font of usual size
 
 // Of a text in the system font, in whole points.
 CGFloat text_width(NSString *text);
 
-// As wide as its text.
+// Heights in whole points: of one line of text, and of a line with a button, a pop-up or a field, which is kRow unless
+// the font is large.
+CGFloat text_height();
+CGFloat row_height();
+
+// As large as its text.
 NSTextField *make_label(NSString *text, NSTextAlignment alignment = NSLeftTextAlignment);
-// As wide as its title needs, 80 at least. tip may be nil.
+// As wide as its title needs, 80 at least, and row_height() high. tip may be nil.
 NSButton *make_button(NSString *title, id target, SEL action, NSString *tip = nil);
 NSPopUpButton *make_pop_up(id target, SEL action);
 

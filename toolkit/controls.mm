@@ -10,8 +10,13 @@ CGFloat text_width(NSString *text) {
   return std::ceil([text sizeWithAttributes:font].width);
 }
 
+CGFloat text_height() { return std::ceil([[NSFont systemFontOfSize:0] defaultLineHeightForFont]); }
+
+CGFloat row_height() { return std::max(kRow, text_height() + 8); }
+
 NSTextField *make_label(NSString *text, NSTextAlignment alignment) {
-  NSTextField *label = [[[NSTextField alloc] initWithFrame:NSMakeRect(0, 0, text_width(text) + 8, 18)] autorelease];
+  NSRect const frame = NSMakeRect(0, 0, text_width(text) + 8, std::max<CGFloat>(18, text_height() + 2));
+  NSTextField *label = [[[NSTextField alloc] initWithFrame:frame] autorelease];
   [label setEditable:NO];
   [label setSelectable:NO];
   [label setBezeled:NO];
@@ -25,7 +30,7 @@ NSTextField *make_label(NSString *text, NSTextAlignment alignment) {
 
 NSButton *make_button(NSString *title, id target, SEL action, NSString *tip) {
   CGFloat const width = std::max<CGFloat>(80, text_width(title) + 28);
-  NSButton *button = [[[NSButton alloc] initWithFrame:NSMakeRect(0, 0, width, kRow)] autorelease];
+  NSButton *button = [[[NSButton alloc] initWithFrame:NSMakeRect(0, 0, width, row_height())] autorelease];
   [button setButtonType:NSMomentaryPushInButton];
   [button setBezelStyle:NSRoundedBezelStyle];
   [button setFont:[NSFont systemFontOfSize:0]];
@@ -37,7 +42,7 @@ NSButton *make_button(NSString *title, id target, SEL action, NSString *tip) {
 }
 
 NSPopUpButton *make_pop_up(id target, SEL action) {
-  NSPopUpButton *button = [[[NSPopUpButton alloc] initWithFrame:NSMakeRect(0, 0, 220, kRow) pullsDown:NO] autorelease];
+  NSPopUpButton *button = [[[NSPopUpButton alloc] initWithFrame:NSMakeRect(0, 0, 220, row_height()) pullsDown:NO] autorelease];
   [button setFont:[NSFont systemFontOfSize:0]];
   [button setAutoenablesItems:NO];
   [button setTarget:target];

@@ -2,6 +2,7 @@
 
 #include "gad/text.h"
 #include "quoltanis/gad_file.h"
+#include "texts/texts.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -41,10 +42,10 @@ std::vector<BookPlace> known_books(std::string const &folder, std::vector<std::s
 }
 
 std::string fault_of_book_name(std::string const &name) {
-  if (tool::trimmed(name).empty()) return "The name is empty.";
-  if (name.find('/') != std::string::npos) return "The name holds a \"/\".";
-  if (name.front() == '.') return "The name begins with a full stop, which would hide it.";
-  if (name.size() > longest_name) return "The name is too long.";
+  if (tool::trimmed(name).empty()) return tr("The name is empty.");
+  if (name.find('/') != std::string::npos) return tr("The name holds a \"/\".");
+  if (name.front() == '.') return tr("The name begins with a full stop, which would hide it.");
+  if (name.size() > longest_name) return tr("The name is too long.");
   return "";
 }
 

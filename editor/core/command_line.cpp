@@ -1,10 +1,14 @@
 #include "editor/core/command_line.h"
 
+#include "host/theme/preference.h"
+#include "texts/texts.h"
+
 #include <arpa/inet.h>
 
 #include <array>
 #include <cctype>
 #include <filesystem>
+#include <utility>
 
 namespace fax::editor {
 namespace {
@@ -67,20 +71,25 @@ CommandLine parse_command_line(std::vector<std::string> const &arguments, std::s
       line.help = true;
     } else if (word == "--version") {
       line.version = true;
+    } else if (words.takes("--theme", value)) {
+      if (theme::choice_named(value))
+        line.theme = value;
+      else
+        line.fault = tr("{0} takes {1}, {2} or {3}, not \"{4}\".", "--theme", "auto", "light", "dark", value);
     } else if (words.takes("-DFAXConnectionType", value)) {
       if (value == "NET")
         line.connection = Connection::network;
       else if (value == "USB")
         line.connection = Connection::usb;
       else
-        line.fault = "The connection type \"" + value + "\" is neither NET nor USB.";
+        line.fault = tr("The connection type \"{0}\" is neither NET nor USB.", value);
     } else if (words.takes("-DFAXAddress", value)) {
       if (is_address(value))
         line.address = value;
       else
-        line.fault = "The printer's address \"" + value + "\" is no IP address.";
+        line.fault = tr("The printer's address \"{0}\" is no IP address.", value);
     } else {
-      line.fault = "The option \"" + word + "\" is not known.";
+      line.fault = tr("The option \"{0}\" is not known.", word);
     }
   }
   if (line.connection != Connection::network) line.address.clear();
@@ -88,17 +97,21 @@ CommandLine parse_command_line(std::vector<std::string> const &arguments, std::s
 }
 
 std::string help_text() {
-  return "Usage: AddressBookEditor [OPTION...] [FILE.gad...] [LIST.vcf|LIST.csv...]\n"
-         "Shows and changes the address books of the fax dialog. A LIST is imported, after a look at what it holds.\n"
-         "\n"
-         "  \"-DFAXConnectionType NET\" \"-DFAXAddress ADDRESS\"\n"
-         "                             entries can be copied from the book of the printer at this address\n"
-         "  \"-DFAXConnectionType USB\"  the printer has no address\n"
-         "  -h, --help                 this text\n"
-         "      --version              the version\n"
-         "\n"
-         "Without FILE the book that was open last, else the first of the address-book folder: DIRECTFAX_ADDRESSBOOKS,\n"
-         "XDG_DATA_HOME/directfax/addressbooks, or ~/.local/share/directfax/addressbooks.\n";
+  std::pair<char const *, std::string> const options[] = {
+      {"\"-DFAXConnectionType NET\" \"-DFAXAddress ADDRESS\"",
+       tr("entries can be copied from the book of the printer at this address")},
+      {"\"-DFAXConnectionType USB\"", tr("the printer has no address")},
+      {"--theme auto|light|dark", tr("the look; auto, which holds without it, follows the desktop")},
+      {"-h, --help", tr("show this help and end")},
+      {"--version", tr("show the version and end")}};
+  std::string text = tr("Usage:") + " AddressBookEditor [" + tr("OPTIONS") + "] [" + tr("FILE") + ".gad...] [" + tr("LIST") +
+                     ".vcf|" + tr("LIST") + ".csv...]\n" +
+                     tr("Shows and changes the address books of the fax dialog. A LIST is imported, after a look at what it "
+                        "holds.") +
+                     "\n\n";
+  for (auto const &[option, meaning] : options) text += std::string("  ") + option + "\n      " + meaning + '\n';
+  return text + '\n' +
+         tr("Without FILE the book that was open last is shown, else the first of the address-book folder.") + '\n';
 }
 
 }  // namespace fax::editor

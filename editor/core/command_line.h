@@ -13,6 +13,7 @@ struct CommandLine {
   std::string address;             // of a network printer, numeric
   std::vector<std::string> books;  // absolute paths
   std::vector<std::string> lists;  // the same of .vcf and .csv files, to be imported
+  std::string theme = "auto";      // a word as for theme::choice_named
   bool help = false, version = false;
   std::string fault;  // not empty: a sentence about an argument that makes no sense
 };

@@ -2,14 +2,10 @@
 
 #include "gad/contact_rules.h"
 #include "gad/text.h"
+#include "texts/texts.h"
 
 namespace fax::editor {
 namespace {
-
-std::string sentence(std::string text) {
-  text.front() = static_cast<char>(std::toupper(static_cast<unsigned char>(text.front())));
-  return text + ".";
-}
 
 // A field is at fault when the entry has a fault with it, and with everything else beyond doubt.
 std::optional<EntryFault> fault_in(EntryField field, Person const &person) {
@@ -22,7 +18,7 @@ std::optional<EntryFault> fault_in(EntryField field, Person const &person) {
   }
   auto fault = tool::fault_of(contact);
   if (!fault) return std::nullopt;
-  return EntryFault{field, sentence(std::move(*fault))};
+  return EntryFault{field, std::move(*fault)};
 }
 
 }  // namespace
@@ -33,15 +29,10 @@ std::optional<EntryFault> fault_of(Person const &person) {
   return std::nullopt;
 }
 
-std::optional<std::string> fault_of_group_name(std::string const &name) {
-  auto fault = tool::fault_of_group(name);
-  if (!fault) return std::nullopt;
-  return sentence(std::move(*fault));
-}
-
 std::string hint_about(std::string const &number) {
   std::string const refused = tool::refused_characters(number);
-  return refused.empty() ? "" : "The number holds " + refused + ", which cannot be typed in the fax dialog; it is kept as it is.";
+  if (refused.empty()) return "";
+  return tr("The number holds {0}, which cannot be typed in the fax dialog. It is kept as it is.", refused);
 }
 
 std::string one_line(std::string_view text) {

@@ -17,7 +17,6 @@ struct EntryFault {
 
 // The first thing that keeps the entry from being stored; none when it can be.
 std::optional<EntryFault> fault_of(Person const &person);
-std::optional<std::string> fault_of_group_name(std::string const &name);
 
 // A hint about a number that can be stored but not typed in the fax dialog; empty for none.
 std::string hint_about(std::string const &number);

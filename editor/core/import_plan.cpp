@@ -6,6 +6,7 @@
 #include "gad/text.h"
 #include "gad/text_encoding.h"
 #include "gad/vcard_contacts.h"
+#include "texts/texts.h"
 
 #include <algorithm>
 #include <array>
@@ -14,10 +15,6 @@
 
 namespace fax::editor {
 namespace {
-
-std::string counted(std::size_t count, char const *one, char const *many) {
-  return std::to_string(count) + " " + (count == 1 ? one : many);
-}
 
 class Planning {
 public:
@@ -32,8 +29,10 @@ public:
     for (tool::Contact const &contact : contacts_.people) add(contact);
     plan_.skipped = contacts_.skipped;
     if (untypable_ > 0)
-      contacts_.remark(0, counted(untypable_, "number holds", "numbers hold") +
-                              " characters that cannot be typed in the fax dialog; they are taken as they are");
+      contacts_.remark(0, tr_n("{0} number holds characters that cannot be typed in the fax dialog. It is taken as it is.",
+                               "{0} numbers hold characters that cannot be typed in the fax dialog. They are taken as "
+                               "they are.",
+                               untypable_, untypable_));
     take_remarks();
     return std::move(plan_);
   }
@@ -67,7 +66,7 @@ private:
   void join(tool::Contact const &contact, Reference group, Reference person) {
     if (Group const *known = contents_.group(group.id); known != nullptr && known->has(person.id)) return;
     if (person.id > gad::greatest_member_id)
-      return contacts_.remark(contact.line, tool::called(contact) + ": its id is too great for a group");
+      return contacts_.remark(contact.line, tool::called(contact) + ": " + tr("Its id is too great for a group."));
     if (joined_.insert({group.id, group.made_by, person.id, person.made_by}).second)
       plan_.step.append(MemberChange{group, person, true});
   }
@@ -76,7 +75,7 @@ private:
   Reference const *find_or_add(std::string const &name, std::size_t line) {
     if (auto const known = groups_.find(name); known != groups_.end()) return &known->second;
     if (auto const fault = tool::fault_of_group(name)) {
-      if (unfit_.insert(name).second) contacts_.skip(line, "group " + tool::in_quotes(name) + ": " + *fault);
+      if (unfit_.insert(name).second) contacts_.skip(line, tr("Group {0}: {1}", tool::in_quotes(name), *fault));
       return nullptr;
     }
     Reference const made{0, plan_.step.changes.size()};
@@ -93,8 +92,8 @@ private:
                      });
     for (tool::Remark const &remark : contacts_.remarks) {
       if (remark.weight == tool::Weight::detail) continue;
-      std::string const place = remark.line > 0 ? "Line " + std::to_string(remark.line) + ": " : "";
-      plan_.remarks.push_back({remark.weight == tool::Weight::skipped, place + remark.text});
+      plan_.remarks.push_back({remark.weight == tool::Weight::skipped,
+                               remark.line > 0 ? tr("Line {0}: {1}", remark.line, remark.text) : remark.text});
     }
   }
 
@@ -111,11 +110,15 @@ private:
 }  // namespace
 
 std::string ImportPlan::summary() const {
-  std::string text = added + groups > 0 ? "Will add " + counted(added, "entry", "entries") : "Nothing is to be added";
-  if (groups > 0) text += " and " + counted(groups, "group", "groups");
-  text += ".";
-  if (present > 0) text += " " + counted(present, "is", "are") + " in the book already.";
-  if (skipped > 0) text += " " + counted(skipped, "is", "are") + " skipped.";
+  std::string text;
+  auto const say = [&text](std::string const &sentence) { text += (text.empty() ? "" : " ") + sentence; };
+  if (added + groups == 0) say(tr("Nothing is to be added."));
+  if (added > 0) say(tr_n("{0} entry will be added.", "{0} entries will be added.", added, added));
+  if (groups > 0) say(tr_n("{0} group will be added.", "{0} groups will be added.", groups, groups));
+  //: Entries.
+  if (present > 0) say(tr_n("{0} is in the book already.", "{0} are in the book already.", present, present));
+  //: Entries.
+  if (skipped > 0) say(tr_n("{0} is skipped.", "{0} are skipped.", skipped, skipped));
   return text;
 }
 
@@ -131,8 +134,7 @@ tool::Contacts read_contacts(std::string const &path, std::function<void(double)
                                 ? tool::read_vcard_contacts(decoded.text, false, progress)
                                 : tool::read_csv_contacts(decoded.text, tool::CsvChoices{}, progress);
   if (decoded.guessed)
-    contacts.remark(0, "The file was read as " + decoded.encoding +
-                           ", which is a guess: if letters look wrong, import it with gad --encoding");
+    contacts.remark(0, tool::note_of_guess(decoded));
   return contacts;
 }
 

@@ -22,7 +22,7 @@ struct ImportPlan {
   std::size_t skipped = 0, groups = 0;  // records that the book cannot hold; new groups
   std::vector<PlanRemark> remarks;      // what is skipped first, each part by line
 
-  // "Will add 3 entries and 1 group. 2 are in the book already. 1 is skipped."
+  // "3 entries will be added. 1 group will be added. 2 are in the book already. 1 is skipped."
   std::string summary() const;
 };
 

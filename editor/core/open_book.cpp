@@ -1,5 +1,7 @@
 #include "editor/core/open_book.h"
 
+#include "texts/texts.h"
+
 #include <sys/stat.h>
 
 #include <cerrno>
@@ -75,7 +77,7 @@ Outcome OpenBook::attempt(Step &step) {
   if (Status const status = place_of(path_, place); status != Status::success) return {status, {}, {}};
   if (!(place == place_)) {
     Status const status = reopen();
-    return {status, status == Status::success ? "Another file was put in the place of this address book." : "", {}};
+    return {status, status == Status::success ? tr("Another file was put in the place of this address book.") : "", {}};
   }
   gad::Change change;
   if (Status const status = file_.begin(change); status != Status::success) return {status, {}, {}};
@@ -87,7 +89,7 @@ Outcome OpenBook::attempt(Step &step) {
   if (!holds(step, *contents_, outcome.conflict)) return outcome;
   Step made = step;
   outcome.status = carry_out(made, change);
-  if (outcome.status == Status::no_entry) outcome.conflict = "Another program has deleted an entry or a group of it.";
+  if (outcome.status == Status::no_entry) outcome.conflict = tr("Another program has deleted an entry or a group of it.");
   if (!outcome.made()) return outcome;
   if (outcome.status = change.commit(); outcome.status != Status::success) return outcome;
   step = std::move(made);

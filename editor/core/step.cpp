@@ -1,5 +1,7 @@
 #include "editor/core/step.h"
 
+#include "texts/texts.h"
+
 #include <algorithm>
 #include <map>
 
@@ -12,8 +14,6 @@ struct Overloaded : Cases... {
 };
 template <typename... Cases>
 Overloaded(Cases...) -> Overloaded<Cases...>;
-
-std::string quoted(std::string const &name) { return "\u201C" + name + "\u201D"; }
 
 MemberChange leaves(std::uint32_t group, std::uint32_t person) { return {{group}, {person}, false}; }
 
@@ -59,24 +59,23 @@ public:
   bool operator()(PersonChange const &change) {
     if (!change.before) return true;  // the store refuses what is there already
     Person const *now = contents_.person(change.before->id);
-    if (now == nullptr) return fails(quoted(change.before->name) + " was deleted by another program.");
+    if (now == nullptr) return fails(tr("“{0}” was deleted by another program.", change.before->name));
     if (!same(*now, *change.before))
-      return fails(quoted(change.before->name) + " was changed by another program: it is now " + quoted(now->name) +
-                   " with the number " + now->number + ".");
+      return fails(tr("“{0}” was changed by another program: it is now “{1}” with the number {2}.",
+                      change.before->name, now->name, now->number));
     if (!change.after && memberships_[now->id] != leaving_.of_person(now->id))
-      return fails("Another program has changed the groups of " + quoted(now->name) + ".");
+      return fails(tr("Another program has changed the groups of “{0}”.", now->name));
     return true;
   }
 
   bool operator()(GroupChange const &change) {
     if (!change.before) return true;
     Group const *now = contents_.group(change.id);
-    if (now == nullptr) return fails("The group " + quoted(*change.before) + " was deleted by another program.");
+    if (now == nullptr) return fails(tr("The group “{0}” was deleted by another program.", *change.before));
     if (now->name != *change.before)
-      return fails("The group " + quoted(*change.before) + " was renamed to " + quoted(now->name) +
-                   " by another program.");
+      return fails(tr("The group “{0}” was renamed to “{1}” by another program.", *change.before, now->name));
     if (!change.after && now->members.size() != leaving_.of_group(now->id))
-      return fails("Another program has changed the members of the group " + quoted(now->name) + ".");
+      return fails(tr("Another program has changed the members of the group “{0}”.", now->name));
     return true;
   }
 
@@ -84,7 +83,7 @@ public:
     Group const *group = contents_.group(change.group.id);
     if (group == nullptr || change.person.id == 0) return true;  // of this step's own making, or the store refuses it
     if (group->has(change.person.id) == change.joins)
-      return fails("Another program has changed the members of the group " + quoted(group->name) + ".");
+      return fails(tr("Another program has changed the members of the group “{0}”.", group->name));
     return true;
   }
 
@@ -153,20 +152,20 @@ void add_differences(Step &step, Reference group, std::set<std::uint32_t> const 
 }  // namespace
 
 Step add_person(Person const &person) {
-  Step step{"Add Entry", {}};
+  Step step{tr("Add Entry"), {}};
   step.append(PersonChange{{}, person});
   std::get<PersonChange>(step.changes.front()).after->id = 0;
   return step;
 }
 
 Step edit_person(Person const &before, Person const &after) {
-  Step step{"Edit Entry", {}};
+  Step step{tr("Edit Entry"), {}};
   step.append(PersonChange{before, after});
   return step;
 }
 
 Step remove_people(Contents const &contents, std::vector<std::uint32_t> const &ids) {
-  Step step{ids.size() == 1 ? "Delete Entry" : "Delete " + std::to_string(ids.size()) + " Entries", {}};
+  Step step{tr_n("Delete Entry", "Delete {0} Entries", ids.size(), ids.size()), {}};
   std::set<std::uint32_t> const gone(ids.begin(), ids.end());
   for (Group const &group : contents.groups())
     for (std::uint32_t member : group.members)
@@ -177,21 +176,21 @@ Step remove_people(Contents const &contents, std::vector<std::uint32_t> const &i
 }
 
 Step add_group(std::string const &name, std::set<std::uint32_t> const &members) {
-  Step step{"Add Group", {}};
+  Step step{tr("Add Group"), {}};
   step.append(GroupChange{0, {}, name});
   add_differences(step, {}, {}, members);
   return step;
 }
 
 Step edit_group(Group const &before, std::string const &name, std::set<std::uint32_t> const &members) {
-  Step step{"Edit Group", {}};
+  Step step{tr("Edit Group"), {}};
   step.append(GroupChange{before.id, before.name, name});
   add_differences(step, {before.id}, {before.members.begin(), before.members.end()}, members);
   return step;
 }
 
 Step remove_group(Group const &group) {
-  Step step{"Delete Group", {}};
+  Step step{tr("Delete Group"), {}};
   for (std::uint32_t member : group.members) step.append(leaves(group.id, member));
   step.append(GroupChange{group.id, group.name, {}});
   return step;

@@ -34,7 +34,7 @@ struct MemberChange {
 using SmallChange = std::variant<PersonChange, GroupChange, MemberChange>;
 
 struct Step {
-  std::string title;  // for a person, after "Undo": "Delete 3 Entries"
+  std::string title;  // in the user's language, after "Undo": "Delete 3 Entries"
   std::vector<SmallChange> changes;
 
   template <typename Change>

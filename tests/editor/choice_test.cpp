@@ -35,6 +35,8 @@ TEST(CommandLineTest, TakesWhatThePanelGivesAndFiles) {
       {{"-DFAXConnectionType NET", "-DFAXAddress printer"}, Connection::network, "", {}, "no IP address"},
       {{"-DFAXConnectionType NET", "-DFAXAddress"}, Connection::network, "", {}, "no IP address"},
       {{"--wrong"}, Connection::unknown, "", {}, "--wrong"},
+      {{"--theme", "dark", "a.gad"}, Connection::unknown, "", {"/f/a.gad"}, ""},
+      {{"--theme", "pink"}, Connection::unknown, "", {}, "not \"pink\""},
   };
   for (auto const &row : cases) {
     SCOPED_TRACE(testing::PrintToString(row.arguments));

@@ -36,7 +36,7 @@ TEST_F(ImportTest, APlanSaysWhatItDoesAndDoesIt) {
                                "Odd,12x3,\r\n"
                                "None,,\r\n" +
                                std::string(70, 'n') + ",5,\r\n");
-  EXPECT_EQ(made.summary(), "Will add 2 entries and 1 group. 3 are in the book already. 2 are skipped.");
+  EXPECT_EQ(made.summary(), "2 entries will be added. 1 group will be added. 3 are in the book already. 2 are skipped.");
   ASSERT_GE(made.remarks.size(), 3u);
   EXPECT_TRUE(made.remarks[0].skipped);
   EXPECT_THAT(made.remarks[0].text, HasSubstr("Line 7"));

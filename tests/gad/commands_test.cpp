@@ -5,6 +5,7 @@
 
 #include <gmock/gmock.h>
 
+#include <filesystem>
 #include <regex>
 #include <set>
 
@@ -26,33 +27,37 @@ TEST(Commands, EndAsPeopleExpect) {
     char const *report;
   };
   std::vector<Row> const rows = {
-      {{}, 2, "subcommand is required"},
+      {{}, 2, "gad: A command is required. --help shows what can be said."},
       {{"--help"}, 0, ""},
       {{"--version"}, 0, ""},
       {{"lst", book}, 2, "lst"},
-      {{"list"}, 2, "FILE is required"},
-      {{"list", missing}, 1, "none.gad: there is no such file; make one with 'gad create'"},
-      {{"list", text}, 1, "not an address book; to take over another program's addresses use 'gad import'"},
+      {{"list"}, 2, "FILE is required."},
+      {{"list", missing}, 1, "none.gad: There is no such file. Make one with 'gad create'."},
+      {{"list", text}, 1, "not an address book. To take over another program's addresses use 'gad import'."},
       {{"list", folder / ""}, 1, "not an address book"},
-      {{"list", book, "--format", "xml"}, 2, "--format"},
+      {{"list", book, "--format", "xml"}, 2, "--format: xml is none of json,table,tsv."},
+      {{"list", book, "x"}, 2, "The argument x is not expected."},
+      {{"list", book, "x", "--y"}, 2, "are not expected."},
       {{"list", book, "--group", "none"}, 1, "no group \"none\""},
-      {{"create", book}, 1, "choose another name"},
+      {{"create", book}, 1, "Choose another name"},
       {{"create", folder / "no" + "/x.gad"}, 1, "x.gad"},
       {{"add", book, "Anna", "1"}, 1, "\"Anna\" is there already with the number \"1\""},
-      {{"add", book, "", "1"}, 2, "the name is empty"},
+      {{"add", book, "", "1"}, 2, "The name is empty."},
       {{"add", book, std::string(65, 'x'), "1"}, 2, "65 characters of 64"},
       {{"add", book, "J\xF6rg", "1"}, 2, "not valid UTF-8"},
       {{"add", book, "Ben", "Group"}, 2, "mark of groups"},
       {{"remove", book, "Ben"}, 1, "no entry \"Ben\""},
       {{"remove", book, "1", "Ben"}, 1, "no entry \"Ben\""},
-      {{"remove", book, "Anna"}, 1, "several entries \"Anna\"; name one of the ids 1, 2"},
+      {{"remove", book, "Anna"}, 1, "several entries \"Anna\". Name one of the ids 1, 2."},
       {{"group", book, "none"}, 1, "no group"},
-      {{"group", book, "--create"}, 2, "--create"},
+      {{"group", book, "--create"}, 2, "--create requires GROUP."},
+      {{"group", book, "G", "--add"}, 2, "--add: There is no ENTRY."},
+      {{"group", book, "G", "--create", "--delete"}, 2, "--create and --delete exclude each other."},
       {{"group", book, "G", "--create", "--add", "Zed"}, 1, "no entry \"Zed\""},
       {{"import", book, folder / "none"}, 1, "No such file"},
-      {{"import", missing, text}, 1, "make one with 'gad create'"},
-      {{"import", book, text, "--delimiter", "ab"}, 2, "one ASCII character"},
-      {{"export", book, folder / "list.txt"}, 2, "say which with --to"},
+      {{"import", missing, text}, 1, "Make one with 'gad create'."},
+      {{"import", book, text, "--delimiter", "ab"}, 2, "--delimiter: One ASCII character"},
+      {{"export", book, folder / "list.txt"}, 2, "Say which with --to"},
       {{"export", book, text, "--to", "csv"}, 1, "--force replaces it"},
       {{"export", book, "/dev/full", "--to", "csv"}, 1, "No space left"},
   };
@@ -90,6 +95,46 @@ TEST(Commands, HelpAndManualNameTheSameOptions) {
   }
 }
 
+// What is left of a text when all that comes out of a catalogue whose texts stand in <> is gone, and what is the same in
+// every language.
+std::string untranslated(std::string const &text) {
+  std::string left;
+  int depth = 0;
+  for (char c : text) {
+    if (c == '<') ++depth;
+    if (depth == 0) left += c;
+    if (c == '>') --depth;
+  }
+  static std::regex const same(R"(--?[a-z][-a-z]*|\{[a-z0-9,]+\}|\b(gad|create|list|add|remove|group|import|export)\b|/\S+|"[^"]*"|[^a-zA-Z])");
+  return std::regex_replace(left, same, "");
+}
+
+TEST(Commands, SpeakTheUsersLanguage) {
+  Folder const folder;
+  std::string const tool = folder / "gad", catalogues = folder / "locale/de/LC_MESSAGES";
+  std::filesystem::copy_file(GAD, tool);
+  std::filesystem::create_directories(catalogues);
+  ASSERT_EQ(run({"sh", "-c", "sed 's/CHARSET/UTF-8/' '" POT "' | msgen - |"
+                             " msgfilter --keep-header sed -e '1s/^/</' -e '$s/$/>/' | msgfmt -o '" +
+                                 catalogues + "/directfax.mo' -"})
+                .code,
+            0);
+  std::string const book = folder.book(), list = folder.file("list", "Name,Fax\nAnna,x\nBen,\n");
+  std::vector<std::vector<std::string>> const commands = {
+      {"--help"}, {"create", "--help"}, {"list", "--help"}, {"add", "--help"}, {"remove", "--help"},
+      {"group", "--help"}, {"import", "--help"}, {"export", "--help"}, {}, {"list"}, {"list", folder / "none"},
+      {"list", book, "--format", "/"}, {"list", book, "/"}, {"list", book, "/", "/"}, {"list", book, "--format", "table"},
+      {"group", book, "--create"}, {"group", book, "/", "--add"}, {"group", book, "/", "--create", "--delete"},
+      {"add", book, "", "1"}, {"import", "-v", book, list}, {"export", book, list}};
+  for (auto words : commands) {
+    words.insert(words.begin(), {"env", "LC_ALL=de_XX.UTF-8", tool});
+    Outcome const outcome = run(words);
+    std::string const said = outcome.output + outcome.errors;
+    EXPECT_THAT(said, HasSubstr("<"));
+    EXPECT_EQ(untranslated(said), "") << said;
+  }
+}
+
 TEST(Commands, ChangeEntriesAndGroups) {
   Folder const folder;
   std::string const book = folder.book();
@@ -100,7 +145,7 @@ TEST(Commands, ChangeEntriesAndGroups) {
   EXPECT_EQ(gad({"list", book}).output, "1\tÅsa\t030-1\tC\ta\\tb\tx\\;y;G\n2\tBen\t+1 (2)\t\t\t\n");
   EXPECT_EQ(gad({"list", book, "--search", "åS"}).output, "1\tÅsa\t030-1\tC\ta\\tb\tx\\;y;G\n");
   EXPECT_EQ(gad({"list", book, "--format", "table"}).output,
-            "id  name  number  company  note  groups\n1   Åsa   030-1   C        a\\tb  x\\;y;G\n2   Ben   +1 (2)\n");
+            "Id  Name  Fax number  Company  Note  Groups\n1   Åsa   030-1       C        a\\tb  x\\;y;G\n2   Ben   +1 (2)\n");
   EXPECT_THAT(gad({"list", book, "--format", "json"}).output, HasSubstr("\"groups\": [\n   \"x;y\",\n   \"G\"\n  ]"));
   EXPECT_EQ(gad({"group", book, "New", "--create", "--add", "Ben", "1"}).code, 0);
   EXPECT_EQ(gad({"group", book, "G", "--rename", "H", "--remove", "1", "--add", "2"}).code, 0);
@@ -147,7 +192,7 @@ TEST(Commands, ExportIsCompleteOrNotThere) {
   EXPECT_EQ(
       csv.output,
       "\"Name\",\"Fax Number\",\"Company\",\"Notes\",\"Categories\"\r\n\"Åsa; Öberg\",\"1\",\"\",\"a\nb\",\"G\"\r\n");
-  EXPECT_THAT(csv.errors, HasSubstr("group \"Empty\" has no members"));
+  EXPECT_THAT(csv.errors, HasSubstr("Group \"Empty\" has no members"));
   std::string const target = folder.file("list.vcf", "old");
   EXPECT_EQ(gad({"export", book, target, "--force"}).code, 0);
   EXPECT_EQ(content_of(target), gad({"export", book}).output);

@@ -40,7 +40,7 @@ TEST(Import, ReadsWhatProgramsAndPeopleWrite) {
        {},
        3,
        "1\tBen\t2\t\t\t\n",
-       "2: skipped: \"Anna\": no number"},
+       "2: skipped: \"Anna\": No number."},
       {"line numbers after quoted line breaks",
        "Name,Fax,Notes\n\"A\n\n\nB\",1,\"\nx\"\nBen,,\n",
        {},
@@ -72,14 +72,14 @@ TEST(Import, ReadsWhatProgramsAndPeopleWrite) {
        {},
        1,
        "",
-       "--map name=COLUMN; the columns are \"Kunde\", \"Durchwahl\""},
+       "--map name=COLUMN'. The columns are \"Kunde\", \"Durchwahl\""},
       {"a column that is not there", "Name,Fax\nAnna,1\n", {"--map", "number=Faks"}, 2, "", "no column \"Faks\""},
       {"only fax numbers",
        "Name,Fax,Phone\nAnna,,1\nBen,2,3\n",
        {"--fax-only"},
        3,
        "1\tBen\t2\t\t\t\n",
-       "\"Anna\": no fax number"},
+       "\"Anna\": No fax number."},
       {"all into one group",
        "Name,Fax,Category\nAnna,1,\"B;A \"\n",
        {"--group", "A "},
@@ -92,7 +92,7 @@ TEST(Import, ReadsWhatProgramsAndPeopleWrite) {
        {},
        3,
        "1\t" + repeated("ä", 64) + "\t2\t\t\t\n",
-       "2: skipped: \"" + repeated("ä", 60) + "...\": the name is too long: 65 characters of 64"},
+       "2: skipped: \"" + repeated("ä", 60) + "...\": The name is too long: 65 characters of 64."},
       {"too long in UTF-16", "Name,Fax\n" + repeated("😀", 33) + ",1\n", {}, 3, "", "66 characters of 64"},
       {"Latin-1 by name", "Name,Fax\nJ\xF6rg,1\n", {"--encoding", "latin1"}, 0, "1\tJörg\t1\t\t\t\n", ""},
       {"UTF-16 without a mark, by name",
@@ -124,7 +124,7 @@ TEST(Import, ReadsWhatProgramsAndPeopleWrite) {
        {},
        3,
        "",
-       "\"\\x1B[31mred\\xE2\\x80\\xAE\": no number"},
+       "\"\\x1B[31mred\\xE2\\x80\\xAE\": No number."},
       {"vCard without FN", card("N:Berg;Anna;;Dr.;\r\nTEL;FAX:1\r\n"), {}, 0, "1\tDr. Anna Berg\t1\t\t\t\n", ""},
       {"preferred fax number",
        card("FN:A\r\nTEL;TYPE=FAX,WORK:1\r\nTEL;TYPE=FAX;TYPE=HOME;TYPE=pref:2\r\nTEL;TYPE=PREF:3\r\n"),
@@ -150,7 +150,7 @@ TEST(Import, ReadsWhatProgramsAndPeopleWrite) {
        {},
        3,
        "1\tC\t2\t\t\t\n",
-       "list:1: skipped: a card: it holds null"},
+       "list:1: skipped: A card holds null"},
       {"a card of a million parts",
        card("N:" + std::string(1 << 20, ';') + "\r\nTEL:1\r\n"),
        {},
@@ -162,7 +162,7 @@ TEST(Import, ReadsWhatProgramsAndPeopleWrite) {
        {},
        3,
        "",
-       "a contact without a name: the name is empty"},
+       "A contact without a name: The name is empty."},
   };
   for (Row const &row : rows) {
     SCOPED_TRACE(row.about);
@@ -185,16 +185,16 @@ TEST(Import, OfWhatIsNoListChangesNothing) {
   };
   std::string const good = "Name,Fax\nAnna,1\n";
   std::vector<BadList> const lists = {
-      {good + "\"Ben,2\nC,3\n", "line 3: quotes open and never close", {}},
-      {card("FN:A\r\nTEL:1\r\n") + "BEGIN:VCARD\r\nFN:B\r\nTEL:2\r\n", "line 6: this card has no END:VCARD", {}},
+      {good + "\"Ben,2\nC,3\n", "Line 3: Quotes open and never close", {}},
+      {card("FN:A\r\nTEL:1\r\n") + "BEGIN:VCARD\r\nFN:B\r\nTEL:2\r\n", "Line 6: This card has no END:VCARD", {}},
       {"", "the file is empty", {}},
       {"\n\n", "the file is empty", {}},
       {content_of(GAD), "no text file", {}},
       {std::string(100000, '\0'), "no text file", {}},
-      {std::string(4 << 20, 'x'), "no column is known", {}},
-      {good + std::string(4 << 20, ','), "line 3: more than 10000 cells", {}},
+      {std::string(4 << 20, 'x'), "No column is known", {}},
+      {good + std::string(4 << 20, ','), "Line 3: There are more than 10000 cells", {}},
       {card("FN:A\r\nNOTE:" + std::string(17 << 20, 'x') + "\r\nTEL:1\r\n"), "larger than 16 MiB", {}},
-      {good + "J\xF6rg,2\n", "line 3 is not valid utf-8", {"--encoding", "utf-8"}},
+      {good + "J\xF6rg,2\n", "Line 3 is not valid utf-8", {"--encoding", "utf-8"}},
       {good, "encoding \"klingon\" is not known", {"--encoding", "klingon"}},
       {good, "no vCard in it", {"--from", "vcard"}},
   };
@@ -208,7 +208,7 @@ TEST(Import, OfWhatIsNoListChangesNothing) {
     command.insert(command.end(), bad.options.begin(), bad.options.end());
     Outcome const outcome = gad(command);
     EXPECT_THAT(outcome.code, ::testing::AnyOf(1, 2));
-    EXPECT_THAT(outcome.errors, AllOf(HasSubstr(bad.report), HasSubstr("nothing was imported")));
+    EXPECT_THAT(outcome.errors, AllOf(HasSubstr(bad.report), HasSubstr("Nothing was imported.")));
     EXPECT_EQ(content_of(book), before);
   }
 }
@@ -236,7 +236,7 @@ TEST(Import, OfManyIsShortInItsReport) {
   std::string const book = folder.book();
   Outcome const outcome = gad({"import", book, folder.file("list", list)});
   EXPECT_EQ(outcome.output, "Added 30000, already there 0, skipped 0, new groups 0\n");
-  EXPECT_THAT(outcome.errors, HasSubstr(": 29980 more notes; --verbose shows them\n"));
+  EXPECT_THAT(outcome.errors, HasSubstr(": 29980 more notes. --verbose shows them.\n"));
   EXPECT_EQ(std::count(outcome.errors.begin(), outcome.errors.end(), '\n'), 21);
   EXPECT_THAT(gad({"import", "-q", book, folder / "list"}).errors, IsEmpty());
 }

@@ -37,12 +37,12 @@ INSTANTIATE_TEST_SUITE_P(
                "1\tÅsa Öberg\t08-100 201\tÖberg & Söner\tFax only\\nbefore noon\t\n"
                "2\tBen Carter\t555-0100\t\t\t\n",
                3,
-               {"csv:4: note: \"Ben Carter\": no fax number", "csv:5: skipped: \"Nobody\": no number"}},
+               {"csv:4: note: \"Ben Carter\": No fax number.", "csv:5: skipped: \"Nobody\": No number."}},
         Sample{"outlook.csv",
                "1\tZoë M. Núñez\t(555) 010-2000\tNúñez, Ltd.\tsays \"call first\"\tCustomers;Red \"A\" list\n"
                "2\tFront Desk GmbH\t555-3000\tFront Desk GmbH\t\tSuppliers\n",
                3,
-               {"read as Windows-1252", "2002\"\n", "holds \"() \"", "skipped: \"Pager Only\": no number"}},
+               {"read as Windows-1252", "2002\".\n", "holds \"() \"", "skipped: \"Pager Only\": No number."}},
         Sample{"outlook-german.csv",
                "1\tJürgen Groß\t030-555\tBäckerei Groß\t\tLieferanten\n2\tÄnne Weiß\t030-558\t\tgrüßt\t\n",
                0,
@@ -60,18 +60,18 @@ INSTANTIATE_TEST_SUITE_P(
                "1\tDr. Per Hansen\t+47 555 00 101\tFjord AS\tFirst line\\nsecond, with comma\tNorthern\n"
                "2\tBlå Butikk\t555-0200\tBlå Butikk\t\tNorthern;Shops\n",
                0,
-               {"\"Northern\": 1 of its members left out"}},
+               {"\"Northern\": 1 member is left out"}},
         Sample{"android.vcf",
                "1\tОльга Иванова\t+7 555 010 02\tООО\tone\\ntwo\t\n2\t高橋 一郎\t03-5555-0104\t\t\t\n"
                "3\tOnly Voice\t555-0105\t\t\t\n",
                0,
-               {"vcf:26: note: \"Only Voice\": no fax number"}},
+               {"vcf:26: note: \"Only Voice\": No fax number."}},
         Sample{
             "nextcloud.vcf",
             "1\tÉmilie de la Très-Longue-Rue-Qui-Ne-Finit-Jamais-Ici-Même\t+33-555-0101\tSociété Générale des Faxes\t\t"
             "Board\\; Oslo;Amis;Très, très\n",
             0,
-            {"\"Board; Oslo\": 1 of its members left out: groups"}}),
+            {"\"Board; Oslo\": 1 member is left out: it is a group"}}),
     [](auto const &info) {
       std::string name = info.param.file;
       std::replace_if(

@@ -26,7 +26,7 @@ def listed_options(help_text):
 
 
 def listed_commands(help_text):
-    return set(re.findall(r"^  (\w+)", help_text.split("Subcommands:")[1], re.MULTILINE))
+    return set(re.findall(r"^  (\w+)", help_text.split("Commands:")[1], re.MULTILINE))
 
 
 def page_sections(page):

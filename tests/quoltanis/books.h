@@ -19,7 +19,7 @@
 
 namespace fax {
 
-inline void PrintTo(Status status, std::ostream *out) { *out << describe(status); }
+inline void PrintTo(Status status, std::ostream *out) { *out << std::hex << std::uint32_t(status) << std::dec; }
 
 namespace gad {
 

@@ -93,7 +93,7 @@ TEST_F(ForeignFileTest, TruncatedAnywhere) {
     put(path, good.substr(0, size));
     Status const status = read_book(path).status;
     EXPECT_TRUE(status == Status::damaged || (size < 100 && status == Status::foreign_file))
-        << size << describe(status);
+        << size << ' ' << testing::PrintToString(status);
     Status const added = add_someone(path);
     EXPECT_EQ(added, status) << size;
     EXPECT_EQ(contents(path), good.substr(0, size)) << size;
