@@ -143,7 +143,7 @@ TEST_F(HelpWindow, ShowsTheBundlesOwnBook) {
                      {"NoPage.htm", ""},
                      {"../Localizable.strings", ""},
                      {"../../../DirectFax", ""},
-                     {BUNDLE_PATH "/Resources/English.lproj/DirectFaxHelp/index.htm", ""},
+                     {BUNDLE_PATH "/Resources/English.lproj/DirectFaxHelp/index.html", ""},
                      {"FaxSettings.htm/", ""},
                      {"%46axSettings.htm", ""},
                      {"/etc/passwd", ""}};
