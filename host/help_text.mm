@@ -12,6 +12,8 @@ namespace {
 constexpr CGFloat kText = 12;
 constexpr CGFloat kIndent = 20;
 constexpr CGFloat kColumnGap = 14;
+constexpr CGFloat kAboveHeading = 6;
+constexpr CGFloat kMostBeforeLast = 0.5;  // of a table's width, for all columns but the last
 
 CGFloat heading_size(int level) {
   static constexpr CGFloat kSizes[] = {20, 16, 14, 13, 12, 12};
@@ -37,18 +39,45 @@ class Writer {
       bool const goes_on = row && at > 0 && page_.blocks[at - 1].kind == HelpBlock::Kind::row;
       if (row && !goes_on) measure_table(at);
       add(page_.blocks[at]);
+      space(gap_below(at));
     }
     // An anchor at the very end leads to the last character.
     for (auto &anchor : anchors_) {
       if (anchor.second >= [text_ length]) anchor.second = [text_ length] ? [text_ length] - 1 : 0;
     }
-    return {text_, anchors_};
+    return {text_, anchors_, blocks_};
   }
 
  private:
+  // Items of a list and rows of a table stand closer than paragraphs.
+  CGFloat gap_below(std::size_t at) const {
+    auto const kind = page_.blocks[at].kind;
+    bool const goes_on = at + 1 < page_.blocks.size() && page_.blocks[at + 1].kind == kind;
+    if (kind == HelpBlock::Kind::heading) return 4;
+    if (goes_on && kind == HelpBlock::Kind::item) return 2;
+    return goes_on && kind == HelpBlock::Kind::row && !stacked_ ? 4 : 7;
+  }
+
+  // A row of a table whose columns would be too narrow: one cell below the other, the headings left out.
+  void stack(HelpBlock const &row) {
+    blocks_.push_back([text_ length]);
+    for (auto const &name : row.anchors) anchors_[name] = [text_ length];
+    for (std::size_t at = 0; at < row.cells.size() && !row.header; ++at) {
+      HelpBlock cell = row;
+      cell.kind = HelpBlock::Kind::paragraph;
+      cell.level = row.level + (at > 0 ? 1 : 0);
+      cell.cells = {row.cells[at]};
+      add(cell);
+      blocks_.pop_back();
+    }
+  }
+
   void add(HelpBlock const &block) {
+    if (stacked_ && block.kind == HelpBlock::Kind::row) return stack(block);
+    if (block.kind == HelpBlock::Kind::heading && [text_ length] > 0) space(kAboveHeading);
     for (auto const &name : block.anchors) anchors_[name] = [text_ length];
     NSUInteger const start = [text_ length];
+    blocks_.push_back(start);
     NSMutableParagraphStyle *style = [[[NSParagraphStyle defaultParagraphStyle] mutableCopy] autorelease];
     CGFloat size = kText;
     bool bold = false;
@@ -88,17 +117,17 @@ class Writer {
       }
     }
     put(@"\n", attributes(HelpRun{}, size, bold));
-    // The toolkit's layout knows no space between paragraphs: a low empty line stands for it.
-    bool const close = block.kind == HelpBlock::Kind::item || block.kind == HelpBlock::Kind::row;
-    put(@"\n", attributes(HelpRun{}, close ? 2 : 5, false));
     [text_ addAttribute:NSParagraphStyleAttributeName value:style range:NSMakeRange(start, [text_ length] - start)];
   }
+
+  // The toolkit's layout knows no space between paragraphs: a low empty line stands for it.
+  void space(CGFloat height) { put(@"\n", attributes(HelpRun{}, height, false)); }
 
   static NSTextTab *tab(CGFloat at) {
     return [[[NSTextTab alloc] initWithType:NSLeftTabStopType location:at] autorelease];
   }
 
-  // Columns as wide as their widest cell, but no more than their share of what is left.
+  // Columns as wide as their widest cell.
   void measure_table(std::size_t first) {
     std::vector<CGFloat> widths;
     for (std::size_t at = first; at < page_.blocks.size() && page_.blocks[at].kind == HelpBlock::Kind::row; ++at) {
@@ -114,11 +143,12 @@ class Writer {
     }
     columns_.clear();
     CGFloat x = 0;
-    for (std::size_t column = 0; column < widths.size(); ++column) {
+    for (CGFloat width : widths) {
       columns_.push_back(x);
-      CGFloat const share = (width_ - x) / static_cast<CGFloat>(widths.size() - column);
-      x += std::min(std::ceil(widths[column]) + kColumnGap, std::max(share, width_ * 0.4));
+      x += std::ceil(width) + kColumnGap;
     }
+    // The last column breaks its lines, the others cannot.
+    stacked_ = !columns_.empty() && columns_.back() > width_ * kMostBeforeLast;
   }
 
   static NSDictionary *attributes(HelpRun const &run, CGFloat size, bool bold) {
@@ -138,9 +168,9 @@ class Writer {
   }
 
   bool put_image(HelpRun const &run) {
-    HelpTarget const source = resolve_help_link(path_, run.image);
-    if (source.path.empty()) return false;
-    NSImage *image = [[[NSImage alloc] initWithContentsOfFile:ns(source.path)] autorelease];
+    auto const file = find_help_image(path_, run.image);
+    if (!file) return false;
+    NSImage *image = [[[NSImage alloc] initWithContentsOfFile:ns(*file)] autorelease];
     if (!image) return false;
     NSSize size = [image size];
     if (size.width > width_ && size.width > 0) {
@@ -160,6 +190,8 @@ class Writer {
   CGFloat width_;
   NSMutableAttributedString *text_;
   std::map<std::string, NSUInteger> anchors_;
+  std::vector<NSUInteger> blocks_;
+  bool stacked_ = false;          // the current table is too wide for columns
   std::vector<CGFloat> columns_;  // where each column of the current table begins
 };
 
