@@ -199,8 +199,8 @@ static std::u16string Units(NSString *text) {
 - (std::vector<TextRange>)render {
   _state->width = [scroller contentSize].width - 2 * kMargin - 10;
   HelpText const text = render_help(_state->page, _state->place.path, _state->width);
-  [textView setSelectedRange:NSMakeRange(0, 0)];
   [[textView textStorage] setAttributedString:text.text];
+  [textView setSelectedRange:NSMakeRange(0, 0)];
   _state->anchors = text.anchors;
   _state->blocks = text.blocks;
   return [self markWords];
