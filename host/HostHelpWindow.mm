@@ -3,6 +3,7 @@
 #include <DirectFaxHelp.h>
 
 #include <algorithm>
+#include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -134,8 +135,11 @@ static std::u16string Units(NSString *text) {
   [scroller setDocumentView:textView];
 }
 
-- (void)makeSearchField:(NSRect)frame {
-  searchField = [[[NSSearchField alloc] initWithFrame:frame] autorelease];
+// right, middle: where its right edge and the middle of its height are.
+- (void)makeSearchField:(CGFloat)right middle:(CGFloat)middle {
+  searchField = [[NSSearchField new] autorelease];
+  CGFloat const height = std::max(kRow, [[searchField cell] cellSize].height);
+  [searchField setFrame:NSMakeRect(right - kSearchWidth, std::round(middle - height / 2), kSearchWidth, height)];
   [searchField setToolTip:HostText(@"Searches all pages of the help.")];
   [searchField setTarget:self];
   [searchField setAction:@selector(search:)];
@@ -153,13 +157,12 @@ static std::u16string Units(NSString *text) {
   NSSize const button = [backButton frame].size;
   CGFloat const bar = button.height + 2 * kGap, top = frame.size.height - bar + kGap;
   [backButton setFrameOrigin:NSMakePoint(kMargin, top)];
-  [forwardButton setFrameOrigin:NSMakePoint(kMargin + button.width + kGap, top)];
+  [forwardButton setFrameOrigin:NSMakePoint(NSMaxX([backButton frame]) + kGap, top)];
   [backButton setAutoresizingMask:NSViewMinYMargin];
   [forwardButton setAutoresizingMask:NSViewMinYMargin];
   [closeButton setFrameOrigin:NSMakePoint(frame.size.width - kMargin - [closeButton frame].size.width, kGap)];
   [closeButton setAutoresizingMask:NSViewMinXMargin];
-  [self makeSearchField:NSMakeRect(frame.size.width - kMargin - kSearchWidth, top + (button.height - kRow) / 2,
-                                   kSearchWidth, kRow)];
+  [self makeSearchField:frame.size.width - kMargin middle:top + button.height / 2];
   [self makeText:NSMakeRect(0, bar, frame.size.width, frame.size.height - 2 * bar)];
   NSArray *views = [NSArray arrayWithObjects:backButton, forwardButton, searchField, scroller, closeButton, nil];
   for (NSUInteger at = 0; at < [views count]; ++at) [[panel contentView] addSubview:[views objectAtIndex:at]];

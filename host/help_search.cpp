@@ -137,13 +137,14 @@ void search_section(HelpBookPage const &book, std::size_t first, std::size_t las
   bool const headed = blocks[first].kind == HelpBlock::Kind::heading;
   hit.section = headed ? utf8(texts.front()) : hit.page;
   hit.in_heading = headed && words.all_in(texts.front());
-  std::size_t found = 0;
-  while (found + 1 < texts.size() && words.places(texts[found]).empty()) ++found;
-  hit.block = first + found;
-  if (headed && found == 0) {
-    while (found < texts.size() && (found == 0 || texts[found].empty())) ++found;
-  }
-  if (found < texts.size()) hit.excerpt = excerpt_of(texts[found], words);
+  auto const holds = [&](std::u16string const &text) { return !words.places(text).empty(); };
+  auto const says = [](std::u16string const &text) { return !text.empty(); };
+  auto const found = std::find_if(texts.begin(), texts.end(), holds);
+  hit.block = first + static_cast<std::size_t>(found - texts.begin());
+  auto const text = texts.begin() + (headed ? 1 : 0);
+  auto shown = std::find_if(text, texts.end(), holds);
+  if (shown == texts.end()) shown = std::find_if(text, texts.end(), says);
+  if (shown != texts.end()) hit.excerpt = excerpt_of(*shown, words);
   hits.push_back(std::move(hit));
 }
 

@@ -9,15 +9,17 @@
 namespace fax::host {
 namespace {
 
-constexpr CGFloat kText = 12;
 constexpr CGFloat kIndent = 20;
 constexpr CGFloat kColumnGap = 14;
 constexpr CGFloat kAboveHeading = 6;
 constexpr CGFloat kMostBeforeLast = 0.5;  // of a table's width, for all columns but the last
 
+// Of running text: that of the desktop.
+CGFloat text_size() { return [NSFont systemFontSize]; }
+
 CGFloat heading_size(int level) {
-  static constexpr CGFloat kSizes[] = {20, 16, 14, 13, 12, 12};
-  return kSizes[std::clamp(level, 1, 6) - 1];
+  static constexpr CGFloat kTimes[] = {1.6, 1.3, 1.15, 1.1, 1, 1};
+  return std::round(text_size() * kTimes[std::clamp(level, 1, 6) - 1]);
 }
 
 NSFont *font(HelpRun const &run, CGFloat size, bool bold) {
@@ -79,7 +81,7 @@ class Writer {
     NSUInteger const start = [text_ length];
     blocks_.push_back(start);
     NSMutableParagraphStyle *style = [[[NSParagraphStyle defaultParagraphStyle] mutableCopy] autorelease];
-    CGFloat size = kText;
+    CGFloat size = text_size();
     bool bold = false;
     CGFloat const indent = kIndent * std::max(0, block.kind == HelpBlock::Kind::heading ? 0 : block.level);
     [style setFirstLineHeadIndent:indent];
@@ -92,7 +94,7 @@ class Writer {
       case HelpBlock::Kind::item:
         [style setFirstLineHeadIndent:std::max<CGFloat>(0, indent - kIndent + 4)];
         [style setTabStops:[NSArray arrayWithObject:tab(indent)]];
-        put(ns(block.marker + "\t"), attributes(HelpRun{}, kText, false));
+        put(ns(block.marker + "\t"), attributes(HelpRun{}, text_size(), false));
         break;
       case HelpBlock::Kind::row: {
         NSMutableArray *tabs = [NSMutableArray array];
@@ -103,9 +105,9 @@ class Writer {
       }
       case HelpBlock::Kind::rule: {
         NSUInteger const dashes = static_cast<NSUInteger>(std::max<CGFloat>(1, width_ / [@"\u2500" sizeWithAttributes:
-            attributes(HelpRun{}, kText, false)].width - 1));
+            attributes(HelpRun{}, text_size(), false)].width - 1));
         put([@"" stringByPaddingToLength:dashes withString:@"\u2500" startingAtIndex:0],
-            attributes(HelpRun{}, kText, false));
+            attributes(HelpRun{}, text_size(), false));
         break;
       }
       default: break;
@@ -136,7 +138,7 @@ class Writer {
       for (std::size_t column = 0; column < cells.size(); ++column) {
         CGFloat cell = 0;
         for (HelpRun const &run : cells[column]) {
-          cell += [ns(run.text) sizeWithAttributes:attributes(run, kText, false)].width;
+          cell += [ns(run.text) sizeWithAttributes:attributes(run, text_size(), false)].width;
         }
         widths[column] = std::max(widths[column], cell);
       }
