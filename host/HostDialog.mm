@@ -54,6 +54,13 @@ std::string first_title(DialogRequest const &request) {
   return PrintPlan(documents).title();
 }
 
+// In the language of the dialog's own texts, else in English; nil when it is not installed.
+NSString *own_help_page() {
+  NSBundle *program = [NSBundle mainBundle];
+  NSString *page = [program pathForResource:@"PrintDialog" ofType:@"html"];
+  return page ? page : [program pathForResource:@"PrintDialog" ofType:@"html" inDirectory:nil forLocalization:@"English"];
+}
+
 }  // namespace
 
 @interface HostDialog ()
@@ -85,6 +92,7 @@ std::string first_title(DialogRequest const &request) {
                                              target:self];
   _help = [HostHelpWindow new];
   [_help serveHelpBooks];
+  [_help addBook:own_help_page()];
   _news = [[HostNews alloc] initWithAlerts:alerts owner:self];
   _panels = [[HostPanels alloc] initWithWindow:_window news:_news owner:self];
   _preview = [[HostPreview alloc] initWithRequest:request window:_window alerts:alerts owner:self];
@@ -356,7 +364,7 @@ std::string first_title(DialogRequest const &request) {
 - (void)help:(id)sender {
   HostPanel *panel = [_panels shownPanel];
   if (panel && ![panel shouldShowHelp]) return;
-  NSString *page = [[NSBundle mainBundle] pathForResource:@"PrintDialog" ofType:@"html"];
+  NSString *page = own_help_page();
   if (!page || ![_help showPage:page anchor:nil]) {
     [_alerts tell:ns(tr("The help of the print dialog cannot be opened."))
            advice:ns(tr("Install the program again."))];

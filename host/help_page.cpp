@@ -367,11 +367,35 @@ HelpTarget resolve_help_link(std::string_view page, std::string_view link) {
   return {(folder / decoded(name)).lexically_normal().string(), anchor};
 }
 
+std::optional<std::string> find_help_image(std::string const &page, std::string_view source) {
+  namespace fs = std::filesystem;
+  HelpTarget const target = resolve_help_link(page, source);
+  std::error_code error;
+  fs::path const image = fs::canonical(target.path, error);
+  if (target.path.empty() || error || !fs::is_regular_file(image, error)) return std::nullopt;
+  fs::path const folder = fs::canonical(page, error).parent_path();
+  fs::path book = folder;
+  for (fs::path part = folder; part != part.root_path(); part = part.parent_path()) {
+    if (part.extension() == ".lproj") book = part.parent_path();
+  }
+  bool const inside = std::mismatch(book.begin(), book.end(), image.begin(), image.end()).first == book.end();
+  return inside ? std::optional{image.string()} : std::nullopt;
+}
+
 void HelpHistory::visit(HelpTarget const &place) {
-  if (!places_.empty() && current().path == place.path && current().anchor == place.anchor) return;
+  if (!places_.empty() && current() == place) return;
   places_.resize(at_);
   places_.push_back(place);
   ++at_;
+}
+
+void HelpHistory::replace(HelpTarget const &place) {
+  places_.resize(at_);
+  places_.back() = place;
+}
+
+void HelpHistory::leave() {
+  places_.resize(--at_);
 }
 
 }  // namespace fax::host

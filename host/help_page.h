@@ -42,21 +42,34 @@ struct HelpPage {
 // as browsers do.
 std::optional<HelpPage> read_help_page(std::string_view html);
 
-// Where a link of a page leads.
+// Where a link of a page leads, or what else can be seen in the window.
 struct HelpTarget {
   std::string path;    // absolute file path, "" when the link leads out of the help book
   std::string anchor;  // "" for none
+  std::string search = {};                // what was searched for; with a path its places are marked on that page,
+                                          // without one it is the list of what was found
+  std::optional<std::size_t> block = {};  // of the page, instead of an anchor
+  bool operator==(HelpTarget const &) const = default;
 };
 
 // page: absolute path of the page that holds the link. "#part" stays on the page, "Other.htm#part" is in its folder,
 // %XX escapes are decoded; a link with a scheme other than file: leads out.
 HelpTarget resolve_help_link(std::string_view page, std::string_view link);
 
+// The image's file, absolute and without symbolic links; nothing when the source leads out of the help book or to no file.
+// A book is the folder that holds the folders of its languages (NAME.lproj), for a page outside of these its own folder.
+// page: absolute path of the page that shows it.
+std::optional<std::string> find_help_image(std::string const &page, std::string_view source);
+
 // The places seen, with the usual two buttons.
 class HelpHistory {
  public:
   // Forgets what lay ahead. Visiting the place one is at changes nothing.
   void visit(HelpTarget const &place);
+  // Takes the place of the current one, which is forgotten, and of what lay ahead. One place was visited before.
+  void replace(HelpTarget const &place);
+  // Goes back and forgets the place left. can_go_back is true.
+  void leave();
   bool can_go_back() const { return at_ > 1; }
   bool can_go_forward() const { return at_ < places_.size(); }
   // The place moved to; only when the matching can_go answers true.

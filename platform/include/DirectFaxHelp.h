@@ -10,6 +10,9 @@ extern "C" {
 typedef Boolean (*DirectFaxHelpViewer)(CFURLRef page, CFStringRef anchor, void *context);
 // Replaces the viewer; NULL takes it away again. context must outlive it.
 CF_EXPORT void DirectFaxSetHelpViewer(DirectFaxHelpViewer viewer, void *context);
+// The first page (index.htm or index.html) of every registered book that has one, in the language that AHGotoPage would
+// show: file URLs. The caller releases the array. Main thread only.
+CF_EXPORT CFArrayRef DirectFaxCopyHelpBooks(void);
 
 #ifdef __cplusplus
 }

@@ -106,6 +106,38 @@ TEST_F(AppleHelp, ViewerGetsThePageOfTheUsersLanguage) {
   EXPECT_EQ(shown.anchor, "(none)");
 }
 
+// Pages name buttons: they are in the language of the bundle's own texts, even where that is not the first of the user's.
+TEST_F(AppleHelp, PagesAreInTheLanguageOfTheTexts) {
+  Shown shown;
+  DirectFaxSetHelpViewer(show, &shown);
+  [NSUserDefaults setUserLanguages:[NSArray arrayWithObjects:@"ja", @"en", nil]];
+  for (std::string const texts : {"en", "ja"}) {
+    std::string const name = "Texts " + texts;
+    fs::path const resources = root_ / (name + ".bundle") / "Resources";
+    for (char const *language : {"en.lproj", "ja.lproj"}) {
+      fs::create_directories(resources / language / "Help");
+      std::ofstream(resources / language / "Help/p.htm") << "<html>";
+    }
+    std::ofstream(resources / (texts + ".lproj") / "Localizable.strings") << "\"a\" = \"b\";\n";
+    bundle((name + ".bundle").c_str(),
+           ("{ CFBundleHelpBookName = \"" + name + "\"; CFBundleHelpBookFolder = Help; }").c_str());
+    EXPECT_EQ(registered((name + ".bundle").c_str()), noErr);
+    NSString *book = [NSString stringWithUTF8String:name.c_str()];
+    EXPECT_EQ(AHGotoPage(reinterpret_cast<CFStringRef>(book), CFSTR("p.htm"), nullptr), noErr);
+    EXPECT_EQ(shown.page, (resources / (texts + ".lproj") / "Help/p.htm").string());
+  }
+}
+
+TEST_F(AppleHelp, FirstPagesOfAllBooks) {
+  NSArray *before = [(NSArray *)DirectFaxCopyHelpBooks() autorelease];
+  for (char const *language : {"en", "ja"})
+    std::ofstream(root_ / "Fax.bundle/Resources" / (std::string(language) + ".lproj") / "FaxHelp/index.html") << "<html>";
+  NSArray *after = [(NSArray *)DirectFaxCopyHelpBooks() autorelease];
+  ASSERT_EQ([after count], [before count] + 1) << "a book without a first page was counted";
+  std::string const first = fs::path(place("ja")).parent_path() / "index.html";
+  EXPECT_TRUE([[after valueForKey:@"path"] containsObject:[NSString stringWithUTF8String:first.c_str()]]);
+}
+
 TEST_F(AppleHelp, WhatIsNotThere) {
   Shown shown;
   DirectFaxSetHelpViewer(show, &shown);

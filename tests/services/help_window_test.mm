@@ -125,6 +125,30 @@ protected:
     return title + ": " + text.substr(0, text.find('\n'));
   }
 
+  std::string text() const { return [[[window_ textView] string] UTF8String]; }
+
+  NSSearchField *search_field() const {
+    NSArray *views = [[[window_ panel] contentView] subviews];
+    for (NSUInteger at = 0; at < [views count]; ++at)
+      if ([[views objectAtIndex:at] isKindOfClass:[NSSearchField class]]) return [views objectAtIndex:at];
+    return nil;
+  }
+  std::string field() const { return [[search_field() stringValue] UTF8String]; }
+
+  void type(char const *words) const {
+    [search_field() setStringValue:ns(words)];
+    [search_field() sendAction:[search_field() action] to:[search_field() target]];
+  }
+
+  // Clicks on the link that begins with this text.
+  void follow(char const *link) const {
+    NSTextView *view = [window_ textView];
+    NSUInteger const at = [[view string] rangeOfString:[@"\n" stringByAppendingString:ns(link)]].location + 1;
+    id const leads = [[view textStorage] attribute:NSLinkAttributeName atIndex:at effectiveRange:NULL];
+    ASSERT_NE(leads, nil);
+    [view clickedOnLink:leads atIndex:at];
+  }
+
   CGFloat scrolled() const { return [[window_ textView] visibleRect].origin.y; }
 
   HostHelpWindow *window_ = [HostHelpWindow new];
@@ -143,7 +167,7 @@ TEST_F(HelpWindow, ShowsTheBundlesOwnBook) {
                      {"NoPage.htm", ""},
                      {"../Localizable.strings", ""},
                      {"../../../DirectFax", ""},
-                     {BUNDLE_PATH "/Resources/English.lproj/DirectFaxHelp/index.htm", ""},
+                     {BUNDLE_PATH "/Resources/English.lproj/DirectFaxHelp/index.html", ""},
                      {"FaxSettings.htm/", ""},
                      {"%46axSettings.htm", ""},
                      {"/etc/passwd", ""}};
@@ -188,6 +212,115 @@ TEST_F(HelpWindow, KeepsWhatItShows) {
   goto_page(made, CFSTR("Start.htm"), nullptr);
   goto_page(made, CFSTR("Other.htm"), nullptr);
   EXPECT_THAT(shown(), HasSubstr("Start: This is Kept.bundle"));
+}
+
+// The window's text, with the marked words in brackets.
+std::string marked(NSTextView *view) {
+  NSMutableString *text = [[[view string] mutableCopy] autorelease];
+  for (NSUInteger at = [text length]; at > 0;) {
+    NSRange run;
+    id const mark = [[view textStorage] attribute:NSBackgroundColorAttributeName
+                                          atIndex:at - 1
+                            longestEffectiveRange:&run
+                                          inRange:NSMakeRange(0, at)];
+    if (mark) [text replaceCharactersInRange:run
+                                  withString:[NSString stringWithFormat:@"[%@]", [text substringWithRange:run]]];
+    at = run.location;
+  }
+  return [text UTF8String];
+}
+
+TEST_F(HelpWindow, SearchesAllBooks) {
+  CFBundleRef const made = book("Searched");
+  write("Searched.bundle/Resources/Pages/index.html", "<title>Index</title><p>Nothing here");
+  page("Searched.bundle/Resources/Pages/Other.htm");
+  write("own/Own.html", "<title>Own</title><h2>Far away</h2><p>It is f\xC3\xA4r below");
+  [window_ addBook:ns((root_ / "own/Own.html").string())];
+  goto_page(made, CFSTR("Start.htm"), nullptr);
+  type("FAR BEL");
+  EXPECT_THAT(text(), HasSubstr("Far away \xE2\x80\x93 Own\nIt is f\xC3\xA4r below\n"));
+  EXPECT_THAT(text(), HasSubstr("\nOther\n"));
+  EXPECT_THAT(text(), HasSubstr("\nStart\n"));
+  EXPECT_EQ(marked([window_ textView]), text()) << "the list is not marked";
+
+  follow("Other");
+  EXPECT_THAT(marked([window_ textView]), HasSubstr("[Far] [bel]ow"));
+  EXPECT_GT(scrolled(), 500);
+  EXPECT_EQ(field(), "FAR BEL");
+  [window_ goBack:nil];
+  EXPECT_THAT(text(), HasSubstr("Far away"));
+  [window_ goForward:nil];
+  EXPECT_THAT(marked([window_ textView]), HasSubstr("[Far] [bel]ow"));
+
+  // Out of the search, and only then out of the window.
+  [window_ leave:nil];
+  EXPECT_EQ(marked([window_ textView]), text());
+  EXPECT_EQ(field(), "");
+  EXPECT_GT(scrolled(), 500);
+  EXPECT_TRUE([[window_ panel] isVisible]);
+  type("no such word");
+  EXPECT_THAT(text(), HasSubstr("no such word"));
+  type("");
+  EXPECT_THAT(text(), HasSubstr("This is Searched.bundle/Resources/Pages/Other.htm"));
+  [window_ leave:nil];
+  EXPECT_FALSE([[window_ panel] isVisible]);
+}
+
+TEST_F(HelpWindow, LinksCanBeReachedByKeys) {
+  CFBundleRef const made = book("Keys");
+  page("Keys.bundle/Resources/Pages/Other.htm");
+  write("Keys.bundle/Resources/Pages/Links.htm",
+        "<title>Links</title><p><a href='Other.htm'>one</a> and <a href='Other.htm#far%20below'><b>tw</b>o</a>");
+  goto_page(made, CFSTR("Links.htm"), nullptr);
+  HostHelpTextView *view = (HostHelpTextView *)[window_ textView];
+  auto selected = [&] { return std::string([[[view string] substringWithRange:[view selectedRange]] UTF8String]); };
+  EXPECT_TRUE([view selectLink:+1]);
+  EXPECT_EQ(selected(), "one");
+  EXPECT_TRUE([view selectLink:+1]);
+  EXPECT_EQ(selected(), "two");
+  EXPECT_FALSE([view selectLink:+1]);
+  EXPECT_TRUE([view selectLink:-1]);
+  EXPECT_EQ(selected(), "one");
+  EXPECT_FALSE([view selectLink:-1]);
+}
+
+// A picture of the book is drawn, one from elsewhere is told by its text.
+TEST_F(HelpWindow, PicturesOfTheBook) {
+  CFBundleRef const made = book("Pictures");
+  for (char const *place : {"later.png", "Pictures.bundle/Resources/Pages/later.png"})
+    fs::copy(BUNDLE_PATH "/Resources/DirectFaxHelp/pictures/later.png", root_ / place);
+  write("Pictures.bundle/Resources/Pages/P.htm",
+        "<p><img src='later.png' alt='ours'/> <img src='../../../later.png' alt='theirs'/> <img src='x.png' alt='lost'/>");
+  goto_page(made, CFSTR("P.htm"), nullptr);
+  EXPECT_THAT(text(), HasSubstr("\xEF\xBF\xBC theirs lost"));
+}
+
+// The book of a language that has pages is shown and searched in that language, and for any other one in English.
+TEST_F(HelpWindow, BookInTheUsersLanguage) {
+  struct {
+    char const *languages, *title;
+    bool finds;
+  } const cases[] = {{"de", "Hilfe", true}, {"fr", "Help", false}};
+  for (auto const &each : cases) {
+    std::string const name = std::string("Book for ") + each.languages, resources = name + ".bundle/Resources/";
+    write(resources + "Info-gnustep.plist",
+          "{ CFBundleHelpBookName = \"" + name + "\"; CFBundleHelpBookFolder = Pages; }");
+    for (auto const &[language, title, section] :
+         {std::tuple("de", "Hilfe", "Sp\xC3\xA4ter senden"), {"English", "Help", "Send later"}}) {
+      std::string const folder = resources + language + ".lproj/";
+      write(folder + "Localizable.strings", "\"a\" = \"b\";\n");
+      write(folder + "Pages/index.html", std::string("<title>") + title + "</title><p><a href='P.htm#later'>x</a>");
+      write(folder + "Pages/P.htm", std::string("<title>") + title + "</title><h2 id='later'>" + section + "</h2><p>x");
+    }
+    [NSUserDefaults setUserLanguages:[NSArray arrayWithObjects:ns(each.languages), @"English", nil]];
+    CFBundleRef const made = bundle(root_ / (name + ".bundle"));
+    register_book(made);
+    goto_page(made, nullptr, nullptr);
+    EXPECT_EQ([[[window_ panel] title] UTF8String], std::string(each.title));
+    type("spater");
+    EXPECT_EQ(text().find("Sp\xC3\xA4ter senden") != std::string::npos, each.finds) << text();
+  }
+  [NSUserDefaults setUserLanguages:[NSArray arrayWithObject:@"English"]];
 }
 
 TEST_F(HelpWindow, BookByPrinter) {

@@ -4,6 +4,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
 namespace fax::host {
 namespace {
 
@@ -124,6 +128,56 @@ TEST(History, GoesBackAndForwardAndForgetsWhatLayAhead) {
   history.visit({"c", ""});
   EXPECT_FALSE(history.can_go_forward());
   EXPECT_EQ(history.back().path, "b");
+}
+
+TEST(History, AListOfWhatWasFoundIsOnePlace) {
+  HelpHistory history;
+  history.visit({"a", ""});
+  history.visit({"b", ""});
+  history.back();
+  history.visit({"", "", "f"});
+  history.replace({"", "", "fa"});
+  EXPECT_FALSE(history.can_go_forward());
+  EXPECT_EQ(history.current().search, "fa");
+  history.visit({"b", "", "fa", 3});
+  history.visit({"b", "", "fa", 4});
+  EXPECT_EQ(history.back().block, 3u);
+  EXPECT_EQ(history.back().search, "fa");
+  history.leave();
+  EXPECT_EQ(history.current().path, "a");
+  EXPECT_FALSE(history.can_go_back());
+  EXPECT_FALSE(history.can_go_forward());
+}
+
+TEST(Image, LiesInTheBook) {
+  namespace fs = std::filesystem;
+  std::string name = (fs::temp_directory_path() / "book-XXXXXX").string();
+  ASSERT_NE(mkdtemp(name.data()), nullptr);
+  fs::path const root = fs::canonical(name);
+  for (char const *file : {"secret.png", "res/de.lproj/Help/p.htm", "res/de.lproj/Help/a b.png", "res/pictures/x.png",
+                           "res/flat/p.htm", "res/flat/in/y.png"}) {
+    fs::create_directories((root / file).parent_path());
+    std::ofstream(root / file) << "x";
+  }
+  fs::create_symlink(root / "secret.png", root / "res/pictures/link.png");
+  struct {
+    char const *page, *source, *image;
+  } const cases[] = {{"res/de.lproj/Help/p.htm", "a%20b.png", "res/de.lproj/Help/a b.png"},
+                     {"res/de.lproj/Help/p.htm", "../../pictures/x.png", "res/pictures/x.png"},
+                     {"res/de.lproj/Help/p.htm", "../../pictures/link.png", ""},
+                     {"res/de.lproj/Help/p.htm", "../../../secret.png", ""},
+                     {"res/de.lproj/Help/p.htm", "http://example.org/x.png", ""},
+                     {"res/de.lproj/Help/p.htm", "//example.org/x.png", ""},
+                     {"res/de.lproj/Help/p.htm", "../../pictures", ""},
+                     {"res/de.lproj/Help/p.htm", "no.png", ""},
+                     {"res/flat/p.htm", "in/y.png", "res/flat/in/y.png"},
+                     {"res/flat/p.htm", "../pictures/x.png", ""}};
+  for (auto const &each : cases) {
+    auto const found = find_help_image(root / each.page, each.source);
+    EXPECT_EQ(found ? fs::relative(*found, root).string() : "", each.image) << each.page << ": " << each.source;
+  }
+  EXPECT_FALSE(find_help_image(root / "res/flat/p.htm", "file://" + (root / "secret.png").string()));
+  fs::remove_all(root);
 }
 
 }  // namespace
