@@ -8,6 +8,7 @@ set(gnustep_sources
   gnustep/DateFormatter.mm
   gnustep/DependentKeys.mm
   gnustep/KeyButtons.mm
+  gnustep/Languages.mm
   gnustep/LinkedFile.mm
   gnustep/MenuTitle.mm
   gnustep/NetService.mm
