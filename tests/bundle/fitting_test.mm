@@ -8,6 +8,7 @@
 #include "platform/languages.h"
 #include "texts_in_sources.h"
 
+#include <clocale>
 #include <cstdlib>
 #include <filesystem>
 #include <thread>
@@ -23,10 +24,18 @@ using test::utf8;
 
 // The sample queue's PPD as print services hand it out in a language.
 ppd_file_t *ppd_in(std::string const &language) {
-  ppd_file_t *const ppd = ppdOpenFile(SAMPLE_PPD);
-  setenv("LC_ALL", ((language == "pt-BR" ? "pt_BR" : language == "zh-Hans" ? "zh_CN" : language) + ".UTF-8").c_str(), 1);
-  // The print service's library asks for the language once a thread.
-  std::thread([&] { ppdLocalize(ppd); }).join();
+  std::string const territory = language == "pt-BR" ? "pt_BR" : language == "zh-Hans" ? "zh_CN" : language;
+  setenv("LC_ALL", (territory + ".UTF-8").c_str(), 1);
+  // The print service's library asks for the language once a thread, and for the variable only in the locale "C". It
+  // reads no other language from the file.
+  std::string const locale = std::setlocale(LC_ALL, nullptr);
+  std::setlocale(LC_ALL, "C");
+  ppd_file_t *ppd = nullptr;
+  std::thread([&] {
+    ppd = ppdOpenFile(SAMPLE_PPD);
+    ppdLocalize(ppd);
+  }).join();
+  std::setlocale(LC_ALL, locale.c_str());
   setenv("LC_ALL", "C.UTF-8", 1);
   ppdMarkDefaults(ppd);
   return ppd;
@@ -92,6 +101,8 @@ class Fitting : public test::BundleTest, public testing::WithParamInterface<std:
 TEST_P(Fitting, Panel) {
   id panel = this->panel();
   NSView *view = [panel panelView];
+  std::string const title = utf8([[view valueForKey:@"imageQualityTitle"] stringValue]);
+  EXPECT_EQ(title == "Image Quality", GetParam() == "en") << "the queue's own texts are translated too";
   expect_fits(window_around(view));
   expect_hints_fit(view, "plugin/DirectFaxPdeView.mm");
 }

@@ -11,6 +11,7 @@ namespace test {
 // was shown is shown again. A fault is
 //   - a text wider than its place: labels, buttons, boxes, tabs, headings of columns, every item of a pop-up, titles of
 //     windows; of labels that break lines, a text higher than its place;
+//   - a text with a letter that no font has;
 //   - a control that lies outside the view around it;
 //   - two controls beside each other that overlap.
 // What a user types or a list holds is not measured: it can be scrolled.

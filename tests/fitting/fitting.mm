@@ -29,7 +29,21 @@ CGFloat height_of(NSAttributedString *text, CGFloat width) {
                        .size.height);
 }
 
+// A letter for which no font was found.
+bool lacks_letters(NSString *text) {
+  NSDictionary *font = [NSDictionary dictionaryWithObject:[NSFont systemFontOfSize:0] forKey:NSFontAttributeName];
+  NSMutableAttributedString *drawn = [[[NSMutableAttributedString alloc] initWithString:text attributes:font] autorelease];
+  [drawn fixFontAttributeInRange:NSMakeRange(0, [drawn length])];
+  for (NSUInteger at = 0; at < [text length]; ++at) {
+    NSFont *chosen = [drawn attribute:NSFontAttributeName atIndex:at effectiveRange:NULL];
+    unichar const letter = [text characterAtIndex:at];
+    if (letter >= ' ' && ![[chosen coveredCharacterSet] characterIsMember:letter]) return true;
+  }
+  return false;
+}
+
 std::string fault(std::string const &kind, NSString *text, CGFloat needed, CGFloat given) {
+  if (lacks_letters(text)) return kind + " \"" + utf8(text) + "\" has letters that no font has";
   if (needed <= given + kTolerance) return {};
   std::ostringstream said;
   said << kind << " \"" << utf8(text) << "\" needs " << needed << " of " << given;
@@ -121,8 +135,7 @@ class Report {
     if ([text length] == 0) return {};
     NSRect const room = [[field cell] titleRectForBounds:[field bounds]];
     if (![[field cell] wraps]) return fault("label", [text string], std::ceil([text size].width), room.size.width);
-    std::string const found = fault("height of label", [text string], height_of(text, room.size.width), room.size.height);
-    return found;
+    return fault("height of label", [text string], height_of(text, room.size.width), room.size.height);
   }
 
  private:
