@@ -8,6 +8,7 @@ set(gnustep_sources
   gnustep/DateFormatter.mm
   gnustep/DependentKeys.mm
   gnustep/KeyButtons.mm
+  gnustep/Languages.mm
   gnustep/LinkedFile.mm
   gnustep/MenuTitle.mm
   gnustep/NetService.mm
@@ -16,6 +17,7 @@ set(gnustep_sources
   gnustep/PopUpKeys.mm
   gnustep/PropertyLists.mm
   gnustep/RefusedEdit.mm
+  gnustep/SubstituteFont.mm
   gnustep/TabKeys.mm
   gnustep/TabView.mm
   gnustep/TableColumn.mm

@@ -1,9 +1,11 @@
 // The nibs and string tables: everything connects, every visible text has a key.
 #import "bundle_fixture.h"
 
+#include "platform/languages.h"
+#include "texts_in_sources.h"
+
 #include <filesystem>
-#include <fstream>
-#include <iterator>
+#include <map>
 #include <regex>
 #include <set>
 
@@ -11,60 +13,67 @@ namespace {
 
 using test::utf8;
 
-std::string contents(std::string const &path) {
-  std::ifstream file(path);
-  return {std::istreambuf_iterator<char>(file), {}};
+using Table = std::map<std::string, std::string>;
+
+Table table(std::string const &language, NSString *name) {
+  NSString *const path = [NSString stringWithFormat:@"%@/%s.lproj/%@.strings", [test::bundle() resourcePath],
+                                                    language == "en" ? "English" : language.c_str(), name];
+  NSDictionary *texts = [[NSString stringWithContentsOfFile:path
+                                                   encoding:NSUTF8StringEncoding
+                                                      error:NULL] propertyListFromStringsFileFormat];
+  Table read;
+  NSEnumerator *keys = [texts keyEnumerator];
+  while (NSString *key = [keys nextObject]) read[utf8(key)] = utf8([texts objectForKey:key]);
+  return read;
 }
 
-NSDictionary *table(NSString *name) {
-  return [NSDictionary dictionaryWithContentsOfFile:[test::bundle() pathForResource:name ofType:@"strings"]];
+std::set<std::string> keys_of(Table const &table) {
+  std::set<std::string> keys;
+  for (auto const &[key, text] : table) keys.insert(key);
+  return keys;
 }
 
-// Texts of a xib that a person sees.
-std::set<std::string> texts_of(std::string const &xib) {
-  std::set<std::string> texts;
-  std::string const source = contents(xib);
-  std::regex const title(" (?:title|label|toolTip)=\"([^\"]*)\"");
-  for (std::sregex_iterator it(source.begin(), source.end(), title), end; it != end; ++it)
-    if ((*it)[1] != "Text Cell" && (*it)[1] != "") texts.insert((*it)[1]);
-  return texts;
-}
-
-// Texts that the sources look up: those of alerts, and what views return as hints.
-std::set<std::string> texts_in(std::string const &folder) {
-  std::set<std::string> texts;
-  std::regex const alert("run_alert\\(([^;]*)\\)");
-  std::regex const hint("return (@\"[^;]*\");");
-  std::regex const literal("@\"([^\"]+)\"");
-  for (auto const &file : std::filesystem::directory_iterator(folder)) {
-    if (file.path().extension() != ".mm") continue;
-    std::string const source = contents(file.path());
-    bool const view = file.path().stem().string().ends_with("View");
-    for (std::regex const *lookup : {&alert, view ? &hint : &alert}) {
-      for (std::sregex_iterator it(source.begin(), source.end(), *lookup), end; it != end; ++it) {
-        std::string const call = (*it)[1];
-        for (std::sregex_iterator text(call.begin(), call.end(), literal); text != end; ++text) texts.insert((*text)[1]);
-      }
-    }
-  }
-  return texts;
+// Numbers, and what a value is put in the place of.
+std::vector<std::string> fixed_parts(std::string const &text) {
+  std::regex const part("[0-9]+|%[0-9$]*[@a-z]");
+  return {std::sregex_token_iterator(text.begin(), text.end(), part), {}};
 }
 
 TEST(Resources, EveryVisibleTextHasAKeyAndEveryKeyIsUsed) {
-  std::string const source = SOURCE_PATH;
   std::set<std::string> used{"Custom PDE Title"};
-  for (auto const &texts :
-       {texts_of(source + "/resources/MainPanel.xib"), texts_of(source + "/resources/FaxSetting.xib"),
-        texts_in(source + "/addressbook"), texts_in(source + "/faxsetting"), texts_in(source + "/plugin")})
-    used.insert(texts.begin(), texts.end());
-  std::set<std::string> keys;
-  NSEnumerator *names = [table(@"Localizable") keyEnumerator];
-  while (NSString *key = [names nextObject]) keys.insert(utf8(key));
-  EXPECT_GT(keys.size(), 20u);
-  EXPECT_EQ(keys, used);
+  for (char const *xib : {"resources/MainPanel.xib", "resources/FaxSetting.xib"}) used.merge(test::texts_of_xib(xib));
+  for (char const *folder : {"addressbook", "faxsetting", "plugin"}) used.merge(test::texts_of_alerts(folder));
+  for (char const *view : {"addressbook/AddressBookView.mm", "faxsetting/FaxSettingView.mm", "plugin/DirectFaxPdeView.mm"})
+    used.merge(test::hints_of(view));
+  EXPECT_GT(used.size(), 80u);
+  EXPECT_EQ(keys_of(table("en", @"Localizable")), used);
+}
 
-  names = [table(@"Localizable1") keyEnumerator];
-  while (NSString *key = [names nextObject]) EXPECT_TRUE(keys.contains(utf8(key))) << utf8(key);
+TEST(Resources, EveryLanguageSaysAllOfIt) {
+  // Words that a language shares with English.
+  std::map<std::string, std::set<std::string>> const shared = {
+      {"de", {"Name", "OK"}}, {"fr", {"OK"}},                     {"it", {"OK", "Password"}}, {"nl", {"Help", "OK", "Printer"}},
+      {"pt-BR", {"OK"}},      {"ja", {"OK"}},
+  };
+  for (NSString *name : {@"Localizable", @"Localizable1"}) {
+    auto const keys = keys_of(table("en", name));
+    ASSERT_FALSE(keys.empty());
+    for (auto const &language : fax::known_languages()) {
+      SCOPED_TRACE(language + " " + utf8(name));
+      auto const texts = table(language, name);
+      EXPECT_EQ(keys_of(texts), keys);
+      auto const same = shared.find(language);
+      for (auto const &[key, text] : texts) {
+        EXPECT_NE(text, "") << key;
+        for (auto const &part : fixed_parts(key)) EXPECT_NE(text.find(part), std::string::npos) << text;
+        // A label can be translated twice: what it says then must be left as it is.
+        auto const again = texts.find(text);
+        EXPECT_EQ(again != texts.end() ? again->second : text, text);
+        bool const may_be_same = language == "en" || (same != shared.end() && same->second.contains(key));
+        EXPECT_TRUE(may_be_same || text != key) << key;
+      }
+    }
+  }
 }
 
 class NibTest : public test::BundleTest {};
@@ -144,7 +153,7 @@ TEST(Resources, EveryLinkOfTheHelpBookLeadsToAFile) {
   std::set<std::string> pages{"index.htm", "FaxSettings.htm", "FaxTransmission.htm", "Recipients.htm"};
   std::regex const link("(?:href|src)=\"([^\"#:]+)[^\"]*\"");
   for (auto const &page : pages) {
-    std::string const source = contents(book / page);
+    std::string const source = test::contents_of(book / page);
     EXPECT_NE(source, "") << page;
     for (std::sregex_iterator it(source.begin(), source.end(), link), end; it != end; ++it)
       EXPECT_TRUE(std::filesystem::exists(book / std::string((*it)[1]))) << page << ": " << (*it)[1];
