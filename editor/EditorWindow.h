@@ -29,6 +29,7 @@
 @interface EditorWindow : NSWindow {
 @public
   NSPopUpButton *books;
+  NSButton *newBook, *openBook;
   NSTextField *search;
   EditorList *groups;
   EditorList *people;

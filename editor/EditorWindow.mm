@@ -50,7 +50,8 @@ CGFloat width_of_row(NSArray *views) {
   [self makeLists:left];
   [self setContentMinSize:NSMakeSize(_least, 360)];
   join_focus([NSArray arrayWithObjects:people, newEntry, editEntry, deleteEntries, undo, redo, importList, exportBook,
-                                       copyFromPrinter, books, search, groups, newGroup, editGroup, deleteGroup, nil]);
+                                       copyFromPrinter, books, newBook, openBook, search, groups, newGroup, editGroup,
+                                       deleteGroup, nil]);
   [self setInitialFirstResponder:people];
   return self;
 }
@@ -70,8 +71,8 @@ CGFloat width_of_row(NSArray *views) {
 
 - (void)makeTop {
   books = make_pop_up(_owner, @selector(chooseBook:));
-  NSButton *newBook = make_button(ns(tr("New Book…")), _owner, @selector(newBook:));
-  NSButton *openBook = make_button(ns(tr("Open…")), _owner, @selector(openBook:), @"Ctrl+O");
+  newBook = make_button(ns(tr("New Book…")), _owner, @selector(newBook:));
+  openBook = make_button(ns(tr("Open…")), _owner, @selector(openBook:), @"Ctrl+O");
   search = make_field([NSTextField class]);
   [search setToolTip:ns(tr("In name, number and company ({0})", "Ctrl+F"))];
   [search setDelegate:(id)_owner];

@@ -146,6 +146,15 @@ TEST_F(EditorWindowTest, EveryEditIsSavedAtOnceAndSurvivesAKill) {
   EXPECT_EQ(gad::File::open(path, gad::Access::change, file), Status::success) << "and the file is whole";
 }
 
+TEST_F(EditorWindowTest, ABookIsMadeWithoutAMouse) {
+  ASSERT_NO_FATAL_FAILURE(start({path}));
+  keys("shift+Tab shift+Tab shift+Tab shift+Tab shift+Tab");  // past New Group, the groups, the search, Open
+  ASSERT_TRUE(opens("space", "New Address Book"));
+  type("Office");
+  keys("Return");
+  EXPECT_TRUE(becomes([&] { return std::filesystem::exists(folder + "/Office.gad"); }));
+}
+
 TEST_F(EditorWindowTest, AGroupTakesTheSelectedEntry) {
   ASSERT_NO_FATAL_FAILURE(start({"-DFAXConnectionType USB", path}));
   ASSERT_NO_FATAL_FAILURE(add("Anna", "123"));

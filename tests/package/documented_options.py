@@ -14,6 +14,7 @@ OPTION = re.compile(r"(?<![\w-])--?[a-z][a-z-]*")
 
 
 def output(*command, **how):
+    how.setdefault("env", {**os.environ, "LC_ALL": "C.UTF-8"})
     done = subprocess.run(command, stdin=subprocess.DEVNULL, capture_output=True, encoding="utf-8", timeout=30,
                           check=True, **how)
     return done.stdout

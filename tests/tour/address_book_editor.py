@@ -62,6 +62,17 @@ class Windows:
         done = subprocess.run(["xdotool", "getactivewindow"], capture_output=True, encoding="utf-8", check=False)
         return done.stdout.strip()
 
+    def begin(self):
+        """Until there are the main window and, in front, the list of the command line as it would be imported."""
+        def both():
+            found = subprocess.run(["xdotool", "search", "--onlyvisible", "--classname", "^AddressBookEditor$"],
+                                   capture_output=True, encoding="utf-8", check=False).stdout.split()
+            front = self.active()
+            return len(found) == 2 and front in found and [one for one in found if one != front] + [front]
+
+        self.stack = wait_for("the editor and its first question", both, 40)
+        time.sleep(DRAWN)
+
     def new_window(self):
         """One that was not there before, and stays: the progress of a long work comes and goes."""
         window = self.active()
@@ -99,8 +110,7 @@ class Windows:
 
 
 def work_through(windows):
-    windows.opens()
-    windows.opens()  # the list of the command line, as it would be imported
+    windows.begin()
     windows.picture("import")
     keys("Return")
     windows.closes()
