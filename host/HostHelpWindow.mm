@@ -169,7 +169,7 @@ static std::u16string Units(NSString *text) {
   NSArray *views = [NSArray arrayWithObjects:backButton, forwardButton, searchField, scroller, closeButton, nil];
   for (NSUInteger at = 0; at < [views count]; ++at) [[panel contentView] addSubview:[views objectAtIndex:at]];
   join_focus([NSArray arrayWithObjects:textView, closeButton, backButton, forwardButton, searchField, nil]);
-  [panel setInitialFirstResponder:closeButton];
+  [panel setInitialFirstResponder:textView];
   [panel center];
 }
 
