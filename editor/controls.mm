@@ -101,7 +101,7 @@ NSTableColumn *add_column(NSTableView *table, NSString *identifier, NSString *ti
   NSTableColumn *column = [[[NSTableColumn alloc] initWithIdentifier:identifier] autorelease];
   [[column headerCell] setStringValue:title];
   [column setWidth:width];
-  [column setMinWidth:40];
+  [column setMinWidth:std::max<CGFloat>(40, std::ceil([[column headerCell] cellSize].width))];
   [column setEditable:NO];
   [table addTableColumn:column];
   return column;
