@@ -1,6 +1,20 @@
 #import "addressbook/AddressBookView.h"
 
+#import "addressbook/GroupFormatter.h"
 #import "view/BasicPdeView+Hints.h"
+
+#include <initializer_list>
+
+namespace {
+
+void show_groups_as(NSString *word, std::initializer_list<NSTableView *> tables) {
+  GroupFormatter *formatter = [[GroupFormatter alloc] initWithWord:word];
+  for (NSTableView *table : tables)
+    [[[table tableColumnWithIdentifier:@"phoneNumber"] dataCell] setFormatter:formatter];
+  [formatter release];
+}
+
+}  // namespace
 
 @implementation AddressBookView
 
@@ -10,6 +24,7 @@
     [window setTitle:[thisBundle localizedStringForKey:[window title] value:nil table:nil]];
   NSEnumerator *subviews = [[NSArray arrayWithArray:[self subviews]] objectEnumerator];
   while (NSView *subview = [subviews nextObject]) [self localizeControl:subview];
+  show_groups_as([self translationOf:@"Group"], {pcTable, deviceTable});
   [self beginHints];
 }
 

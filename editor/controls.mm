@@ -70,8 +70,9 @@ NSTableColumn *add_column(NSTableView *table, NSString *identifier, NSString *ti
   NSTableColumn *column = [[[NSTableColumn alloc] initWithIdentifier:identifier] autorelease];
   [[column headerCell] setStringValue:title];
   [[column headerCell] setAlignment:NSLeftTextAlignment];
-  [column setWidth:std::max(width, std::ceil([[column headerCell] cellSize].width) + kGap)];
-  [column setMinWidth:40];
+  CGFloat const title_width = std::ceil([[column headerCell] cellSize].width);
+  [column setWidth:std::max(width, title_width + kGap)];
+  [column setMinWidth:std::max<CGFloat>(40, title_width)];
   [column setEditable:NO];
   [table addTableColumn:column];
   return column;

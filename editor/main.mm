@@ -14,6 +14,7 @@
 #include "texts/texts.h"
 
 #import "host/theme/FaxTheme.h"
+#import "toolkit/gnustep_texts.h"
 
 using namespace fax::editor;
 
@@ -44,6 +45,7 @@ static int Run(std::vector<std::string> const &arguments) {
 
 int main(int argc, char **argv) {
   fax::speak(fax::catalogue_folders());
+  fax::toolkit::translate_gnustep();
   // The toolkit reads the arguments too, and would open a file named there as a document of its own.
   char program[] = "AddressBookEditor";
   char *own[] = {argc > 0 ? argv[0] : program, nullptr};

@@ -126,6 +126,11 @@ TEST_P(Fitting, Dialogs) {
   NSWindow *books = [book valueForKey:@"addressBookSettingPanel"];
   expect_fits_at_all_sizes(books);
   expect_hints_fit([books contentView], "addressbook/AddressBookView.mm");
+  NSTableView *table = [[books contentView] valueForKey:@"pcTable"];
+  NSCell *number = [[[[table tableColumns] objectAtIndex:1] dataCell] copy];
+  [number setObjectValue:@"Group"];
+  EXPECT_EQ(utf8([number stringValue]), utf8(text("Group")));
+  [number release];
   for (NSString *properties : {@"userPropertyPanel", @"groupPropertyPanel"})
     expect_fits_at_all_sizes([book valueForKey:properties]);
   [fax stopSending:nil];
