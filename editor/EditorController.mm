@@ -7,6 +7,7 @@
 #import "editor/EditorState.h"
 #import "editor/NamePanel.h"
 #import "editor/background_work.h"
+#import "toolkit/gnustep_texts.h"
 #import "toolkit/text.h"
 
 #include "editor/core/messages.h"
@@ -150,6 +151,7 @@ static NSTimeInterval const kSettled = 0.5;
   NSOpenPanel *panel = [NSOpenPanel openPanel];
   [panel setTitle:ns(tr("Open"))];
   [panel setAllowsMultipleSelection:NO];
+  fit_buttons(panel);
   NSArray *types = [NSArray arrayWithObject:@"gad"];
   if ([panel runModalForDirectory:ns(fax::gad::folder()) file:nil types:types] == NSOKButton)
     [self openPath:utf8([panel filename])];

@@ -8,6 +8,7 @@
 #import "editor/NamePanel.h"
 #import "editor/PlanPanel.h"
 #import "editor/background_work.h"
+#import "toolkit/gnustep_texts.h"
 #import "toolkit/text.h"
 
 #include "editor/core/import_plan.h"
@@ -41,6 +42,7 @@ using fax::tool::Contacts;
   NSOpenPanel *panel = [NSOpenPanel openPanel];
   [panel setTitle:ns(tr("Import"))];
   [panel setAllowsMultipleSelection:NO];
+  fit_buttons(panel);
   if ([panel runModalForTypes:nil] == NSOKButton) [self importFile:utf8([panel filename])];
 }
 
@@ -67,6 +69,7 @@ using fax::tool::Contacts;
 - (void)exportBook:(id)sender {
   NSSavePanel *panel = [NSSavePanel savePanel];
   [panel setTitle:ns(tr("Export"))];
+  fit_buttons(panel);
   std::string const path = [self book]->path();
   std::string const proposed = std::filesystem::path(path).stem().string() + ".vcf";
   if ([panel runModalForDirectory:NSHomeDirectory() file:ns(proposed)] != NSOKButton) return;
