@@ -57,6 +57,12 @@ def read_help(screen):
     page = wait_for("the help page", lambda: next(
         (w["title"] for w in screen.windows() if w["key"] and w["title"] not in before), None))
     screen.picture("help")
+    screen.keys("ctrl+f", *"time")
+    screen.go_to("Found for “time”")
+    screen.picture("help-search")
+    # Out of the search, then out of the window.
+    screen.keys("Escape")
+    screen.go_to(page)
     screen.keys("Escape")
     screen.wait_closed(page)
 
