@@ -6,7 +6,6 @@
 #import "fitting.h"
 #import "host/HostHelpWindow.h"
 #import "host/HostStatusWindow.h"
-#import "host/text.h"
 #import "host/theme/FaxTheme.h"
 
 namespace fax::host {
@@ -41,7 +40,7 @@ TEST_F(HostFitting, TheDialogWithEveryPanel) {
   for (NSInteger at = 0; at < [panels numberOfItems]; ++at) {
     [panels selectItemAtIndex:at];
     [NSApp sendAction:[panels action] to:[panels target] from:panels];
-    SCOPED_TRACE(utf8([panels titleOfSelectedItem]));
+    SCOPED_TRACE([[panels titleOfSelectedItem] UTF8String]);
     expect_fits(window);
     expect_fits_when_smallest(window);
   }
@@ -60,7 +59,7 @@ TEST_F(HostFitting, TheStatusOfAJob) {
 
 TEST_F(HostFitting, TheHelp) {
   HostHelpWindow *help = [[[HostHelpWindow alloc] init] autorelease];
-  ASSERT_TRUE([help showPage:ns(FAX_EXTENSION "/Resources/English.lproj/DirectFaxHelp/FaxSettings.htm") anchor:nil]);
+  ASSERT_TRUE([help showPage:@FAX_EXTENSION "/Resources/English.lproj/DirectFaxHelp/FaxSettings.htm" anchor:nil]);
   expect_fits([help panel]);
   [help close];
 }
