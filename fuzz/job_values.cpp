@@ -58,8 +58,8 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const *data, std::size_t size
   std::string const argument = fax::test::option_argument(sent);
   FUZZ_CHECK(argument.size() + 1 <= fax::host::total_option_bytes(sent));
   auto const arrived = fax::test::parsed_options(argument);
-  for (auto const &[name, value] : arrived)
-    FUZZ_CHECK(std::ranges::any_of(sent, [&](Setting const &one) { return one.key == name; }));
+  for (auto const &option : arrived)
+    FUZZ_CHECK(std::ranges::any_of(sent, [&](Setting const &one) { return one.key == option.first; }));
   for (auto const &setting : request.settings) {
     auto const found = arrived.find(setting.key);
     FUZZ_CHECK(found != arrived.end() && found->second == fax::host::guarded_value(setting.value));

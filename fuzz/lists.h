@@ -13,6 +13,8 @@
 
 namespace fuzz {
 
+inline void no_progress(double) {}
+
 // For a terminal: one line without control characters.
 inline void check_message(std::string const &message) {
   FUZZ_CHECK(!message.empty() && fax::tool::is_utf8(message));

@@ -20,9 +20,11 @@ void check_settings(fax::PrinterSettings const &settings) {
   FUZZ_CHECK(!settings.port || *settings.port > 0);
 }
 
-std::u16string_view text_of(std::u16string_view field) {
-  FUZZ_CHECK(field.find(u'\0') != field.npos);
-  return field.substr(0, field.find(u'\0'));
+template <std::size_t units>
+std::u16string_view text_of(char16_t const (&field)[units]) {
+  std::u16string_view const all(field, units);
+  FUZZ_CHECK(all.find(u'\0') != all.npos);
+  return all.substr(0, all.find(u'\0'));
 }
 
 std::set<std::uint16_t> check_contacts(fax::AddressData const &data) {

@@ -3,16 +3,13 @@
 
 #include <string_view>
 
+// An exception ends the process: the product's repair of the class lets none out.
 bool toolkit_reads(std::string_view list) {
-  return fax::pooled("toolkit_reads", false, [&] {
-    NSData *data = [NSData dataWithBytes:list.data() length:list.size()];
-    id const object = [NSPropertyListSerialization propertyListWithData:data options:0 format:NULL error:NULL];
-    // Every part is reached, as the writer has to.
-    if (object != nil)
-      [NSPropertyListSerialization dataWithPropertyList:object
-                                                 format:NSPropertyListBinaryFormat_v1_0
-                                                options:0
-                                                  error:NULL];
-    return object != nil;
-  });
+  fax::Pool const pool;
+  NSData *data = [NSData dataWithBytes:list.data() length:list.size()];
+  id const object = [NSPropertyListSerialization propertyListWithData:data options:0 format:NULL error:NULL];
+  if (object == nil) return false;
+  // Writing it goes through every part.
+  [NSPropertyListSerialization dataWithPropertyList:object format:NSPropertyListXMLFormat_v1_0 options:0 error:NULL];
+  return true;
 }

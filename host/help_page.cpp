@@ -314,11 +314,12 @@ bool declares_encoding(std::string_view html) {
   return text.find("charset") != std::string::npos || text.find("encoding=") != std::string::npos;
 }
 
+// "%41" -> "A". "%00" stays as it is: it would end the path for whoever opens it.
 std::string decoded(std::string_view text) {
   std::string result;
   for (std::size_t at = 0; at < text.size(); ++at) {
     if (text[at] == '%' && at + 2 < text.size() && std::isxdigit(static_cast<unsigned char>(text[at + 1])) &&
-        std::isxdigit(static_cast<unsigned char>(text[at + 2]))) {
+        std::isxdigit(static_cast<unsigned char>(text[at + 2])) && text.substr(at + 1, 2) != "00") {
       result += static_cast<char>(std::stoi(std::string{text.substr(at + 1, 2)}, nullptr, 16));
       at += 2;
     } else {
