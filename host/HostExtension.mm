@@ -1,5 +1,7 @@
 #import "host/HostExtension.h"
 
+#include "host/core/trusted_path.h"
+
 #import "host/fence.h"
 #import "host/text.h"
 
@@ -45,9 +47,15 @@ static NSString *const kPanelType = @"BDB091F4-E57F-11D3-B5CC-0050E4603277";
   NSString *const name = [path lastPathComponent];
   id usable = nil;
   NSException *raised = fax::host::fenced([&] {
-    NSBundle *bundle = [NSBundle bundleWithPath:path];
+    auto const trusted = fax::host::trusted_path(fax::host::utf8(path));
+    NSBundle *bundle = [NSBundle bundleWithPath:fax::host::ns(trusted.resolved.string())];
     if (!bundle) {
       [self setProblem:HostFormat(@"There is no print dialog extension at \"%@\".", path)];
+      return;
+    }
+    if (trusted.weak) {
+      [self setProblem:HostFormat(@"The print dialog extension \"%@\" is not loaded: other users may change \"%@\".",
+                                  name, fax::host::ns(trusted.weak->string()))];
       return;
     }
     if (![bundle load]) {

@@ -86,8 +86,9 @@ std::string panel_scheme(std::string const &scheme) { return is_ipp(scheme) ? "i
 
 DevicePlace place_of_service(std::string const &device_uri, UriParts const &parts, DevicePlace place) {
   place.route = Route::service;
-  place.panel_uri =
-      is_discovered(parts.scheme) ? device_uri : "dnssd://" + parts.host + parts.resource;
+  // CUPS finds the host behind a user's name that may hold anything; a panel would end it at "?" or "/".
+  bool const as_it_is = is_discovered(parts.scheme) && device_uri.starts_with(parts.scheme + "://" + parts.host);
+  place.panel_uri = as_it_is ? device_uri : "dnssd://" + parts.host + parts.resource;
   auto const decoded = split(device_uri, HTTP_URI_CODING_HOSTNAME);
   if (decoded && is_utf8(decoded->host) && is_service(decoded->host)) {
     place.host = decoded->host;
@@ -106,7 +107,9 @@ DevicePlace place_of_host(std::string const &device_uri, UriParts const &parts, 
   }
   place.route = Route::address;
   place.host = address->text;
-  bool const as_it_is = place.scheme == panel_scheme(place.scheme) && is_plain_address(parts.host);
+  // CUPS reads "//host" as "ipp://host"; a panel does not.
+  bool const as_it_is = place.scheme == panel_scheme(place.scheme) && device_uri.find(':') == place.scheme.size() &&
+                        is_plain_address(parts.host);
   place.panel_uri = as_it_is ? device_uri : with_address(device_uri, *address);
   return place;
 }
