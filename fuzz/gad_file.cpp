@@ -1,5 +1,5 @@
-// Address-book files of strangers. Input: 0 and the file, or another byte and changes to a sound book, each a position
-// (two bytes) and the new byte.
+// Address-book files of strangers. Input: 0 and the file; 1 and changes to a sound book, each a position (two bytes) and
+// the new byte; or 2 and a journal beside a sound book.
 #include "fuzz/bytes.h"
 #include "fuzz/check.h"
 #include "quoltanis/gad_file.h"
@@ -103,20 +103,31 @@ void check_change(Book const &before, std::string const &bytes) {
   for (auto const &one : before.people) FUZZ_CHECK(all.contains(one));
 }
 
+// What a journal undoes is what it says; the book is then read like any other, and nothing else is touched.
+void check_journal(std::string_view bytes) {
+  fs::path const journal = book_path().string() + "-journal";
+  std::ofstream(journal, std::ios::binary).write(bytes.data(), std::streamsize(bytes.size()));
+  (void)read_book();
+  check_change(read_book(), contents());
+  fs::remove(journal);
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const *data, std::size_t size) {
   fuzz::Bytes input(data, size);
   std::string bytes = sound_book();
-  if (input.byte() == 0) {
-    bytes = input.rest();
-  } else {
-    while (!input.empty()) {
-      std::size_t const at = input.number() % bytes.size();
-      bytes[at] = char(input.byte());
-    }
+  unsigned const kind = input.byte();
+  if (kind == 0) bytes = input.rest();
+  while (kind == 1 && !input.empty()) {
+    std::size_t const at = input.number() % bytes.size();
+    bytes[at] = char(input.byte());
   }
   put(bytes);
+  if (kind > 1) {
+    check_journal(input.rest());
+    return 0;
+  }
   Book const book = read_book();
   FUZZ_CHECK(contents() == bytes);
   File file;

@@ -90,7 +90,9 @@ DevicePlace place_of_service(std::string const &device_uri, UriParts const &part
   bool const as_it_is = is_discovered(parts.scheme) && device_uri.starts_with(parts.scheme + "://" + parts.host);
   place.panel_uri = as_it_is ? device_uri : "dnssd://" + parts.host + parts.resource;
   auto const decoded = split(device_uri, HTTP_URI_CODING_HOSTNAME);
-  if (decoded && is_utf8(decoded->host) && is_service(decoded->host)) {
+  // An escaped NUL would end the name here, and makes it none to a panel.
+  bool const whole = parts.host.find("%00") == std::string::npos;
+  if (decoded && whole && is_utf8(decoded->host) && is_service(decoded->host)) {
     place.host = decoded->host;
   } else {
     place.route = Route::unreadable;
