@@ -36,7 +36,7 @@ void check_contacts(std::string const &text, CsvChoices const &choices) {
   fuzz::check_list(contacts);
   for (auto const &person : contacts.people)
     if (!fault_of(person))
-      fuzz::check_same(person, read_csv_contacts(csv_header(';') + csv_contact(person, ';'), {.delimiter = ';'}, fuzz::no_progress));
+      fuzz::check_same(person, read_csv_contacts(csv_header(';') + csv_contact(person, ';'), {}, fuzz::no_progress));
 }
 
 }  // namespace
@@ -45,7 +45,10 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const *data, std::size_t size
   fuzz::Bytes input(data, size);
   char const delimiter = ",;\t|:"[input.byte() % 6];
   std::uint8_t const bits = input.byte();
-  CsvChoices choices{.delimiter = delimiter, .no_header = (bits & 1) != 0, .fax_only = (bits & 2) != 0};
+  CsvChoices choices;
+  choices.delimiter = delimiter;
+  choices.no_header = (bits & 1) != 0;
+  choices.fax_only = (bits & 2) != 0;
   if (bits & 4) choices.columns = {"name=1", "number=2"};
   try {
     DecodedText const list = decode_text_file(input.rest(), bits & 8 ? "windows-1252" : "");
