@@ -75,10 +75,15 @@ bool is_plain_address(std::string const &host) {
   return inet_pton(AF_INET, host.c_str(), &bytes) == 1 || inet_pton(AF_INET6, host.c_str(), &bytes) == 1;
 }
 
+// CUPS lets text follow the brackets of an address; behind another host it would be read as part of that one.
+std::string path_of(UriParts const &parts) {
+  return parts.resource.starts_with('/') ? parts.resource : "/" + parts.resource;
+}
+
 std::string joined(std::string const &scheme, std::string const &host, UriParts const &parts) {
   std::string uri = scheme + "://" + host;
   if (parts.port > 0) uri += ":" + std::to_string(parts.port);
-  return uri + parts.resource;
+  return uri + path_of(parts);
 }
 
 // The scheme under which a panel knows a host of this one.
@@ -88,7 +93,7 @@ DevicePlace place_of_service(std::string const &device_uri, UriParts const &part
   place.route = Route::service;
   // CUPS finds the host behind a user's name that may hold anything; a panel would end it at "?" or "/".
   bool const as_it_is = is_discovered(parts.scheme) && device_uri.starts_with(parts.scheme + "://" + parts.host);
-  place.panel_uri = as_it_is ? device_uri : "dnssd://" + parts.host + parts.resource;
+  place.panel_uri = as_it_is ? device_uri : "dnssd://" + parts.host + path_of(parts);
   auto const decoded = split(device_uri, HTTP_URI_CODING_HOSTNAME);
   // An escaped NUL would end the name here, and makes it none to a panel.
   bool const whole = parts.host.find("%00") == std::string::npos;
