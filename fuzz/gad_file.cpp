@@ -21,7 +21,8 @@ using namespace fax::gad;
 // In memory where there is such a folder: a change waits for the disk otherwise.
 struct Folder {
   Folder() {
-    std::string pattern = (fs::is_directory("/dev/shm") ? "/dev/shm" : fs::temp_directory_path().string()) + "/fuzz.XXXXXX";
+    fs::path const memory = "/dev/shm";
+    std::string pattern = (fs::is_directory(memory) ? memory : fs::temp_directory_path()) / "fuzz.XXXXXX";
     FUZZ_CHECK(mkdtemp(pattern.data()) != nullptr);
     path = pattern;
   }

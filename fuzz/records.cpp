@@ -36,7 +36,9 @@ std::int32_t Library::count_my_fax_group(AddressData data) { return std::int32_t
 std::int32_t Library::count_contact(AddressData data) { return count_my_fax(data); }
 std::int32_t Library::count_fax_group(AddressData data) { return count_my_fax_group(data); }
 void Library::get_my_fax(AddressData data, std::uint32_t at, RecordRoom &room) { write(of(data).individuals, at, room); }
-void Library::get_my_fax_group(AddressData data, std::uint32_t at, RecordRoom &room) { write(of(data).groups, at, room); }
+void Library::get_my_fax_group(AddressData data, std::uint32_t at, RecordRoom &room) {
+  write(of(data).groups, at, room);
+}
 void Library::get_contact(AddressData data, std::uint32_t at, RecordRoom &room) { get_my_fax(data, at, room); }
 void Library::get_fax_group(AddressData data, std::uint32_t at, RecordRoom &room) { get_my_fax_group(data, at, room); }
 }  // namespace fax

@@ -97,7 +97,8 @@ private:
   bool is_ours(fs::path const &path, struct stat const &status) const {
     bool const by_group = (status.st_mode & S_IWGRP) != 0;
     bool const by_all = (status.st_mode & S_IWOTH) != 0;
-    return is_owner(status.st_uid) && !by_all && !(by_group && (!groups_.contains(status.st_gid) || has_access_list(path)));
+    bool const by_others = by_group && (!groups_.contains(status.st_gid) || has_access_list(path));
+    return is_owner(status.st_uid) && !by_all && !by_others;
   }
 
   std::set<uid_t> owners_{0, geteuid()};

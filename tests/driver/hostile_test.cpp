@@ -65,7 +65,8 @@ Job hostile_job(test::HostileTexts &texts) {
 std::vector<host::Setting> settings_of(Job const &job) {
   PMPrintSettings settings = nullptr;
   EXPECT_EQ(PMCreatePrintSettings(&settings), noErr);
-  String const key = string_of(u"com.norvalt.tk.o.print.printsettings.DFaxCoverSenderName"), sender = string_of(job.sender);
+  String const key = string_of(u"com.norvalt.tk.o.print.printsettings.DFaxCoverSenderName");
+  String const sender = string_of(job.sender);
   EXPECT_EQ(PMPrintSettingsSetValue(settings, key.get(), sender.get(), false), noErr);
   std::vector<String> texts;
   FaxJob written{CFSTR("0427"), kDefaultPrinterEncoding, CFSTR("1"), CFSTR("21:05"), {}};

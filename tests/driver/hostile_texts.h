@@ -36,10 +36,10 @@ class HostileTexts {
   std::string piece() {
     using namespace std::string_literals;
     static std::vector<std::string> const syntax = {
-        "\"", "'", "\\", "{", "}", ",", "=", " ", "\t", "\n", "\r", "\v", "\f", "\0"s, "\x01", "\x1b[2J", "\x7f", "`", "$(id)",
-        ";", "|", "&", "%s%n", "<", ">", "#", "*", "-o ", "no", "true", "{}", "{a=b}", ",{", "\\\"", "\\'", "a", "7", "ü",
-        "山田", "か゚", "😀", "\xC2\xA0", "\xE2\x80\xA8", "\xE2\x80\xAE", "\xEF\xBB\xBF", "\xFF", "\xC3", "\xED\xA0\x80", "\xF8\x88",
-        "../", "x media=A4", "page-ranges=1", "noDFaxPassword"};
+        "\"", "'", "\\", "{", "}", ",", "=", " ", "\t", "\n", "\r", "\v", "\f", "\0"s, "\x01", "\x1b[2J", "\x7f", "`",
+        "$(id)", ";", "|", "&", "%s%n", "<", ">", "#", "*", "-o ", "no", "true", "{}", "{a=b}", ",{", "\\\"", "\\'",
+        "a", "7", "ü", "山田", "か゚", "😀", "\xC2\xA0", "\xE2\x80\xA8", "\xE2\x80\xAE", "\xEF\xBB\xBF", "\xFF", "\xC3",
+        "\xED\xA0\x80", "\xF8\x88", "../", "x media=A4", "page-ranges=1", "noDFaxPassword"};
     static std::vector<std::string> const ends = {" ", "\n", "\r", "\v", "\f", "\t", "' ", "\" ", "} ", "\\ ", ""};
     switch (below(4)) {
       case 0: {  // as if the value ended here

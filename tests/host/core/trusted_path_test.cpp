@@ -105,8 +105,12 @@ TEST(TrustOfAccessLists, IsNone) {
   std::string pattern = (fs::temp_directory_path() / "trust.XXXXXX").string();
   fs::path const folder = fs::canonical(mkdtemp(pattern.data()));
   // Version 2: the owner and the user 54321 read and write, the group and the others read; the mask allows it.
-  unsigned char const list[] = {2, 0, 0, 0, 1, 0, 7, 0, 255, 255, 255, 255, 2, 0, 7, 0, 0x31, 0xD4, 0, 0,
-                                4, 0, 5, 0, 255, 255, 255, 255, 16, 0, 7, 0, 255, 255, 255, 255, 32, 0, 5, 0, 255, 255, 255, 255};
+  unsigned char const list[] = {2,  0, 0, 0,                        //
+                                1,  0, 7, 0, 255,  255,  255, 255,  //
+                                2,  0, 7, 0, 0x31, 0xD4, 0,   0,    //
+                                4,  0, 5, 0, 255,  255,  255, 255,  //
+                                16, 0, 7, 0, 255,  255,  255, 255,  //
+                                32, 0, 5, 0, 255,  255,  255, 255};
   bool const listed = setxattr(folder.c_str(), "system.posix_acl_access", list, sizeof list, 0) == 0;
   auto const trusted = trusted_path(folder);
   fs::remove_all(folder);
