@@ -95,9 +95,10 @@ DevicePlace place_of_service(std::string const &device_uri, UriParts const &part
   bool const as_it_is = is_discovered(parts.scheme) && device_uri.starts_with(parts.scheme + "://" + parts.host);
   place.panel_uri = as_it_is ? device_uri : "dnssd://" + parts.host + path_of(parts);
   auto const decoded = split(device_uri, HTTP_URI_CODING_HOSTNAME);
-  // An escaped NUL would end the name here, and makes it none to a panel.
-  bool const whole = parts.host.find("%00") == std::string::npos;
-  if (decoded && whole && is_utf8(decoded->host) && is_service(decoded->host)) {
+  // What ends a host, or makes it none, for a panel but not for CUPS: in brackets it takes the first, the last anywhere.
+  bool const plain =
+      parts.host.find_first_of(":/?#@[]") == std::string::npos && parts.host.find("%00") == std::string::npos;
+  if (decoded && plain && is_utf8(decoded->host) && is_service(decoded->host)) {
     place.host = decoded->host;
   } else {
     place.route = Route::unreadable;
