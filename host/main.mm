@@ -15,6 +15,7 @@
 #include "host/core/memory.h"
 #include "host/core/ppd_file.h"
 #include "host/core/queues.h"
+#include "host/core/trusted_path.h"
 #include "host/theme/preference.h"
 #include "host/x_display.h"
 
@@ -184,15 +185,27 @@ static Result<Queue> ChooseQueue(std::vector<Queue> const &queues, CommandLine c
   return choose_queue(queues, line.printer);
 }
 
+// Of the command line alone; the one that a PPD file names is checked when it is loaded.
+static std::optional<Failure> CheckExtension(CommandLine const &line) {
+  if (!line.extension) return std::nullopt;
+  std::error_code ignored;
+  if (!std::filesystem::is_directory(*line.extension, ignored))
+    return Failure{ExitCode::extension, tr("There is no print dialog extension at \"{0}\".", *line.extension),
+                   tr("Give the path of a bundle with {0}.", "--extension")};
+  auto const trusted = trusted_path(*line.extension);
+  if (!trusted.weak) return std::nullopt;
+  return Failure{ExitCode::extension,
+                 tr("The print dialog extension \"{0}\" is not loaded: other users may change \"{1}\".",
+                    *line.extension, trusted.weak->string()),
+                 //: chown and chmod are commands, go-w is what to say to chmod.
+                 tr("Take that right from them (chown, chmod go-w), or use a copy in a folder of your own.")};
+}
+
 // Everything that can go wrong before there is a window.
 static Result<DialogRequest> Prepare(CommandLine const &line) {
   auto documents = OpenAll(line.files);
   if (!documents) return documents.failure();
-  std::error_code ignored;
-  if (line.extension && !std::filesystem::is_directory(*line.extension, ignored)) {
-    return Failure{ExitCode::extension, tr("There is no print dialog extension at \"{0}\".", *line.extension),
-                   tr("Give the path of a bundle with {0}.", "--extension")};
-  }
+  if (auto unusable = CheckExtension(line)) return *unusable;
   Server const server = Server::current();
   auto queues = list_queues(server);
   if (!queues) return queues.failure();

@@ -1,6 +1,7 @@
 #include "quoltanis/gad_file.h"
 
 #include "quoltanis/gad_schema.h"
+#include "quoltanis/own_files.h"
 #include "quoltanis/sqlite.h"
 
 #include <fcntl.h>
@@ -279,7 +280,7 @@ Status open_database(std::string const &path, Owner &database) {
   // Read and write even for reading: what a killed program left half done can be undone only so. Where the file may not
   // be written SQLite opens it for reading.
   constexpr int mode = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
-  int const code = sqlite3_open_v2(path.c_str(), &opened, mode, nullptr);
+  int const code = sqlite3_open_v2(path.c_str(), &opened, mode, own_files_vfs());
   database.reset(opened);
   if (opened == nullptr) return Status::memory;
   return status_of(opened, code);

@@ -1,7 +1,9 @@
 // A job from the print dialog's own submission through a real print service to the driver's filter.
 #include "fax_job.h"
+#include "hostile_texts.h"
 #include "host/core/job.h"
 #include "host/core/option_guard.h"
+#include "quoltanis/unicode.h"
 
 #include <array>
 #include <chrono>
@@ -200,6 +202,30 @@ TEST_F(Queue, lets_no_name_change_anything_else) {
       EXPECT_EQ(got["destinations"][n - 1]["name"], host::guarded_value(hostile[from + n - 1]));
       EXPECT_EQ(got["destinations"][n - 1]["phoneNumber"], std::to_string(1000 + n));
     }
+  }
+}
+
+// A sample of what the filter alone is tried with ten thousand times.
+TEST_F(Queue, lets_no_hostile_text_change_anything_else) {
+  test::HostileTexts texts(7);
+  for (int tried = 0; tried < 8; ++tried) {
+    auto options = test::good_options();
+    options[test::key("DFaxDestinationNumber")] = std::to_string(kMostDestinations);
+    json expected = json::array();
+    for (int n = 1; n <= kMostDestinations; ++n) {
+      std::array<char16_t, 65> field;
+      fill_field(field, texts.name());
+      auto const name = utf8_of(field.data()).value(), number = texts.number();
+      options[test::key("DFaxDestinationName" + std::to_string(n))] = name;
+      options[test::key("DFaxDestinationPhoneNumber" + std::to_string(n))] = number;
+      expected.push_back({{"name", host::guarded_value(name)}, {"phoneNumber", number}});
+    }
+    int const job = submit(settings_of(options));
+    ASSERT_EQ(end_state(job), "completed");
+    auto const got = ticket(job);
+    EXPECT_EQ(got["senderName"], "Henry Marsh");
+    EXPECT_EQ(got["password"], "0427");
+    EXPECT_EQ(got["destinations"], expected);
   }
 }
 

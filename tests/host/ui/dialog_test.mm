@@ -1,6 +1,7 @@
 // The dialog's objects on a real display, with a print service and extensions of the tests' own.
 #include <gmock/gmock.h>
 
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 
@@ -187,7 +188,11 @@ TEST_F(Dialog, AnotherPrinterGetsItsOwnPanels) {
 }
 
 TEST_F(Dialog, AnExtensionThatFailsLeavesAWorkingDialog) {
-  for (char const *extension : {"Empty", "Raising", "NoLibrary", "Absent"}) {
+  // One that others may change.
+  auto const loose = std::filesystem::canonical(std::filesystem::temp_directory_path()) / "Loose.bundle";
+  std::filesystem::create_directory(loose);
+  std::filesystem::permissions(loose, std::filesystem::perms{0777});
+  for (std::string const extension : {"Empty", "Raising", "NoLibrary", "Absent", loose.c_str()}) {
     SCOPED_TRACE(extension);
     open(extension);
     EXPECT_EQ(value(@"Options"), "Printer Features");
