@@ -17,7 +17,7 @@ import sys
 import tempfile
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.dirname(os.path.abspath(__file__))), "script", "tour"))
-from screen import Screen, wait_for  # noqa: E402
+from screen import Screen, TourError, wait_for  # noqa: E402
 
 PANEL_BAR, FAX_DIALOG_BAR = 60, 100  # milliseconds
 FAX_DIALOG = "Send Fax"
@@ -86,4 +86,7 @@ def main():
                    for name, value, bar in figures], file)
 
 
-main()
+try:
+    main()
+except TourError as failure:
+    sys.exit(f"print_dialog.py: {failure}")
