@@ -64,6 +64,14 @@ BOOL load_nib(NSBundle *bundle, NSString *name, id owner, NSMutableArray **kept)
   return YES;
 }
 
+// Controls do not keep their target. A host's window may keep a control longer than the panel lives: the one that had the
+// focus first, say.
+void forget_target(NSView *view, id target) {
+  if ([view isKindOfClass:[NSControl class]] && [(NSControl *)view target] == target) [(NSControl *)view setTarget:nil];
+  NSEnumerator *parts = [[view subviews] objectEnumerator];
+  while (NSView *part = [parts nextObject]) forget_target(part, target);
+}
+
 std::optional<std::string_view> choice_text(NSDictionary *choices, char const *keyword) {
   char const *text = [[choices objectForKey:[NSString stringWithUTF8String:keyword]] UTF8String];
   if (text == nullptr) return std::nullopt;
@@ -107,6 +115,7 @@ std::optional<std::string_view> choice_text(NSDictionary *choices, char const *k
     end_service(service->second);
   }
   services_under_way().erase(self);
+  forget_target(directFaxView, self);
   [ppdFeatures release];
   [senderNameFieldFormatter release];
   [addressBookEditorPath release];

@@ -22,6 +22,7 @@ set(gnustep_sources
   gnustep/TableView.mm
   gnustep/TextKeys.mm
   gnustep/WindowUpdate.mm
+  gnustep/WholeCharacters.mm
   gnustep/Workspace.mm
   gnustep/XibFont.mm
   gnustep/XibLabel.mm
