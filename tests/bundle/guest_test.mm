@@ -14,6 +14,16 @@
 #include <stdexcept>
 #include <unistd.h>
 
+#ifdef __SANITIZE_ADDRESS__
+#include <sanitizer/lsan_interface.h>
+
+// By the library that allocated: what these keep to themselves is theirs, fonts and class tables above all. Objects are
+// allocated in GNUstep, ours too; those are counted.
+extern "C" __attribute__((visibility("default"))) char const *__lsan_default_suppressions() {
+  return "leak:libfontconfig\nleak:libgnustep\nleak:libobjc\nleak:libX11\n";
+}
+#endif
+
 // A host whose callback operation of that name throws: an Objective-C exception, or a C++ one.
 @interface ThrowingHost : TestHost {
  @public
@@ -222,7 +232,10 @@ TEST_F(GuestTest, TwoHundredVisitsLeaveNothing) {
     if (name.find("vexolinddirectfax") != std::string::npos) ADD_FAILURE() << count << " of " << name << " live on";
   double const grown = resident_mib() - resident;
   std::printf("resident size grown by %.2f MiB from visit %d to %d\n", grown, kFirst, kVisits);
-#ifndef __SANITIZE_ADDRESS__
+#ifdef __SANITIZE_ADDRESS__
+  // The sanitizer keeps freed memory, but knows what nobody points to any more.
+  EXPECT_EQ(__lsan_do_recoverable_leak_check(), 0);
+#else
   EXPECT_LE(grown, 4.0);
 #endif
 }
