@@ -23,8 +23,11 @@ set(gnustep_sources
   gnustep/TableColumn.mm
   gnustep/TableView.mm
   gnustep/TextKeys.mm
+  gnustep/WindowEnd.mm
   gnustep/WindowUpdate.mm
+  gnustep/WholeCharacters.mm
   gnustep/Workspace.mm
+  gnustep/XibCheck.mm
   gnustep/XibFont.mm
   gnustep/XibLabel.mm
   gnustep/avahi_answers.cpp
