@@ -202,7 +202,9 @@ static CGFloat const kNarrowGap = 3;  // between a control and the line that bel
 }
 
 - (void)setSize:(NSSize)size {
-  NSSize const screen = [[NSScreen mainScreen] visibleFrame].size;
+  NSSize const pixels = [[NSScreen mainScreen] visibleFrame].size;
+  CGFloat const scale = [window userSpaceScaleFactor];
+  NSSize const screen = NSMakeSize(std::floor(pixels.width / scale), std::floor(pixels.height / scale));
   NSSize const smallest = [window contentMinSize];
   [window setContentSize:NSMakeSize(std::max(smallest.width, std::min(size.width, screen.width)),
                                     std::max(smallest.height, std::min(size.height, screen.height)))];

@@ -219,7 +219,8 @@ static int RunDialog(DialogRequest const &request) {
     [[NSUserDefaults standardUserDefaults]
         registerDefaults:[NSDictionary dictionaryWithObject:@"YES" forKey:@"GSSuppressAppIcon"]];
     fax::theme::start_application(
-        fax::theme::choice_named(request.command_line.theme).value_or(fax::theme::Choice::automatic));
+        fax::theme::choice_named(request.command_line.theme).value_or(fax::theme::Choice::automatic),
+        request.command_line.scale);
     HostApplication *application = [[HostApplication alloc] initWithRequest:&request];
     [NSApp setDelegate:(id)application];
     [NSApp run];

@@ -27,6 +27,7 @@ struct CommandLine {
   std::optional<std::string> ui_map;     // file to write the positions of the dialog's controls to
   std::optional<std::string> output;     // file for Destination::file
   std::string theme = "auto";            // or "light", "dark"
+  double scale = 0;                      // --scale, 1..4; 0: as large as the desktop has it
   Destination destination = Destination::printer;
   std::string pages;                     // --pages as typed; "": all pages
   std::vector<std::string> files;        // paths of the documents, "-" for standard input; filled exactly to print

@@ -25,7 +25,7 @@ import sys
 from address_books import SCRIPTS, BookFile, PrinterBook
 from editor import Editor
 from fax import expected_ticket, send_one_fax
-from screen import Screen, TourError, differences, run, run_tour, wait_for
+from screen import Screen, TourError, differences, environment_of, run, run_tour, scale_of, wait_for
 
 
 def start_cups(services, arguments, work):
@@ -45,7 +45,7 @@ def end(program):
 
 def use_dialog(arguments, map_file, program, editor, book):
     """Answers the screen when the print dialog has ended well."""
-    screen = Screen(map_file, arguments.pictures, program)
+    screen = Screen(map_file, arguments.pictures, program, arguments.texts, scale_of(arguments))
     try:
         send_one_fax(screen, editor, book)
         code = program.wait(timeout=30)
@@ -90,7 +90,7 @@ def tour(arguments, work):
         output = services.enter_context(open(os.path.join(work, "faxprint.log"), "w+", encoding="utf-8"))
         program = subprocess.Popen(
             [os.path.join(arguments.build, "faxprint.app", "faxprint"), "--ui-map", map_file, arguments.file],
-            env={**os.environ, **book.environment(), **printer_book.environment(), "CUPS_SERVER": cups_address,
+            env={**environment_of(arguments), **book.environment(), **printer_book.environment(), "CUPS_SERVER": cups_address,
                  "DIRECTFAX_EDITOR_RECORDS": editor.records},
             stdin=subprocess.DEVNULL, stdout=output, stderr=output)
         services.callback(end, program)

@@ -27,8 +27,7 @@ PASSWORD_FIELD = "Access Code"
 
 def set_up_panel(screen, editor):
     """In the print dialog; answers its title."""
-    panel = wait_for("the print dialog", lambda: next(
-        (w["title"] for w in screen.windows() if any("Print" == c["title"] for c in w["controls"])), None))
+    panel = wait_for("the print dialog", lambda: screen.window_with("Print"))
     screen.picture("print-dialog")
     for _, label, item, _ in CHOICES:
         screen.choose(panel, label, item)
@@ -85,7 +84,7 @@ def send_one_fax(screen, editor, book):
     screen.press(FAX_DIALOG, "Start")
 
     told = wait_for("the message that the job was handed over", lambda: next(
-        (c for w in screen.windows() for c in w["controls"] if c["title"] == "OK" and c["enabled"]), None))
+        (c for w in screen.windows() for c in w["controls"] if screen.texts.says(c["title"], "OK") and c["enabled"]), None))
     screen.picture("handed-over")
     screen.click(told["frame"])
 

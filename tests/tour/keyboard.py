@@ -17,7 +17,7 @@ sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."
 sys.dont_write_bytecode = True
 from address_books import FAX_DIALOG, SCRIPTS  # noqa: E402
 from fax import CHOICES  # noqa: E402
-from screen import Screen, TourError, differences, run, run_tour, wait_for  # noqa: E402
+from screen import Screen, TourError, differences, environment_of, run, run_tour, wait_for  # noqa: E402
 
 PAGE = "the page"
 MAP_PERIOD = 0.2  # seconds; the dialog writes its map ten times a second
@@ -260,8 +260,7 @@ def answer_alert(screen, below):
 
 
 def send_one_fax(screen):
-    panel = wait_for("the print dialog", lambda: next(
-        (w["title"] for w in screen.windows() if any("Print" == c["title"] for c in w["controls"])), None))
+    panel = wait_for("the print dialog", lambda: screen.window_with("Print"))
     screen.wait_focus("Printer")
     screen.go_to("Copies")
     screen.keys("Up", "Up", "Down")
@@ -306,9 +305,9 @@ def work_through(arguments, work):
     run("setxkbmap", "de")
     program = subprocess.Popen(
         [os.path.join(arguments.build, "faxprint.app", "faxprint"), "--ui-map", map_file, arguments.file],
-        env={**os.environ, "CUPS_SERVER": server, "DIRECTFAX_ADDRESSBOOKS": make_book(arguments.build, work)},
+        env={**environment_of(arguments), "CUPS_SERVER": server, "DIRECTFAX_ADDRESSBOOKS": make_book(arguments.build, work)},
         stdin=subprocess.DEVNULL)
-    screen = Keyboard(map_file, arguments.pictures, program)
+    screen = Keyboard(map_file, arguments.pictures, program, arguments.texts)
     try:
         send_one_fax(screen)
         if program.wait(timeout=30) != 0:
