@@ -324,11 +324,11 @@ static CGFloat const kNarrowGap = 3;  // between a control and the line that bel
                                  std::max<CGFloat>(0, needed.height - room.height));
   if (more.width <= 0 && more.height <= 0) return;
   NSSize const now = [[window contentView] bounds].size;
-  [window setContentMinSize:NSMakeSize(now.width + more.width, now.height + more.height)];
-  NSRect frame = [window frame];
-  frame.size.width += more.width;
-  frame.size.height += more.height;
-  frame.origin.y -= more.height;
+  NSRect const content = NSMakeRect(0, 0, now.width + more.width, now.height + more.height);
+  [window setContentMinSize:content.size];
+  // The upper edge stays where it is.
+  NSRect frame = [window frameRectForContentRect:content];
+  frame.origin = NSMakePoint(NSMinX([window frame]), NSMaxY([window frame]) - frame.size.height);
   [window setFrame:frame display:YES];
   [self layOut];
 }

@@ -15,10 +15,10 @@ FontWish font_wish(std::string_view name);
 // What can be known about sizes; 0 or empty where nobody says anything.
 struct Sizes {
   double asked = 0;           // of the command line: the whole factor
-  std::string own;            // DIRECTFAX_SCALE: the same
+  std::string own{};           // DIRECTFAX_SCALE: the same
   double toolkit_scale = 0;   // GSScaleFactor in the user's defaults of the toolkit
   double toolkit_points = 0;  // NSFontSize there; 12 unless told otherwise
-  std::string gdk_scale;      // GDK_SCALE, a whole number
+  std::string gdk_scale{};    // GDK_SCALE, a whole number
   double dots_per_inch = 0;   // Xft.dpi of the X server; 96 where nothing is enlarged
   double font_points = 0;     // of the desktop's font; 10 or 11 where nothing is enlarged
   int screen_width = 0;       // pixels
