@@ -22,7 +22,9 @@ static CGFloat const kNarrowGap = 3;  // between a control and the line that bel
 - (NSSize)room;
 - (CGFloat)layOutRows;
 - (void)layOutButtons:(CGFloat)top;
-- (void)makeRoomFor:(NSView *)view;
+- (NSView *)shownView;
+- (void)takeViewOut;
+- (void)makeRoomFor:(NSSize)needed;
 - (void)placeView;
 - (void)joinFocus;
 @end
@@ -302,23 +304,36 @@ static CGFloat const kNarrowGap = 3;  // between a control and the line that bel
 
 // The area below the pop-up of the panels.
 
+- (NSView *)shownView {
+  NSArray *const views = [[panelArea contentView] subviews];
+  return [views count] ? [views objectAtIndex:0] : nil;
+}
+
+// A view leaves with the size that it came with: it may come again.
+- (void)takeViewOut {
+  NSView *const view = [[[self shownView] retain] autorelease];
+  [view removeFromSuperview];
+  if (_keepsSize) [view setFrameSize:_sizeOfView];
+}
+
 - (void)clearArea {
+  [self takeViewOut];
   [panelArea setContentView:[[[NSView alloc] initWithFrame:NSZeroRect] autorelease]];
 }
 
 - (void)showView:(NSView *)view keepsSize:(BOOL)keepsSize {
+  [self takeViewOut];
   _keepsSize = keepsSize;
-  [[[panelArea contentView] subviews] makeObjectsPerformSelector:@selector(removeFromSuperview)];
+  _sizeOfView = [view frame].size;
+  if (keepsSize) [self makeRoomFor:_sizeOfView];
   [[panelArea contentView] addSubview:view];
-  if (keepsSize) [self makeRoomFor:view];
   [self placeView];
   [self joinFocus];
   [panelArea setNeedsDisplay:YES];
 }
 
-// Makes the window larger when the view needs it, never smaller.
-- (void)makeRoomFor:(NSView *)view {
-  NSSize const needed = [view frame].size;
+// Makes the window larger when a view needs it, never smaller.
+- (void)makeRoomFor:(NSSize)needed {
   NSSize const room = [[panelArea contentView] bounds].size;
   NSSize const more = NSMakeSize(std::max<CGFloat>(0, needed.width - room.width),
                                  std::max<CGFloat>(0, needed.height - room.height));
@@ -334,20 +349,19 @@ static CGFloat const kNarrowGap = 3;  // between a control and the line that bel
 }
 
 - (void)placeView {
-  NSView *area = [panelArea contentView];
-  NSView *view = [[area subviews] count] ? [[area subviews] objectAtIndex:0] : nil;
+  NSView *const area = [panelArea contentView];
+  NSView *const view = [self shownView];
   if (!view) return;
   NSSize const room = [area bounds].size;
   if (!_keepsSize) {
     [view setFrame:[area bounds]];
     return;
   }
-  NSRect frame = [view frame];
-  if ([view autoresizingMask] & NSViewWidthSizable) frame.size.width = std::max(frame.size.width, room.width);
-  frame.origin.x = std::floor(std::max<CGFloat>(0, (room.width - frame.size.width) / 2));
-  frame.origin.y = std::floor(room.height - frame.size.height);
-  [view setFrame:frame];
+  NSSize size = _sizeOfView;
+  if ([view autoresizingMask] & NSViewWidthSizable) size.width = std::max(size.width, room.width);
   // The place is chosen here, not by the view's own mask.
+  [view setFrame:NSMakeRect(std::floor(std::max<CGFloat>(0, (room.width - size.width) / 2)),
+                            std::floor(room.height - size.height), size.width, size.height)];
   [view setNeedsDisplay:YES];
 }
 
