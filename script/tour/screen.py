@@ -221,6 +221,14 @@ class Screen:
         except TourError as error:
             raise TourError(f'{error} of "{window_title}" to show\n  {cells}\ninstead of\n  {shown}') from None
 
+    def scroll(self, window_title, name):
+        """Three notches of the wheel down, over a table."""
+        window = self.window(window_title)
+        self.point_at(next(c["frame"] for c in window["controls"]
+                           if "TableView" in c["class"] and c["identifier"] == name))
+        run("xdotool", "click", "--repeat", "3", "--delay", "60", "5")
+        time.sleep(0.3)
+
     def same_row(self, shown, cells):
         return len(shown) == len(cells) and all(map(self.texts.says, shown, cells))
 
