@@ -37,8 +37,17 @@ def set_up_panel(screen, editor):
         screen.choose(panel, "Options", item)
         if item != PANEL:
             screen.picture(item.lower().replace(" ", "-"))
+    look_for_a_document(screen, panel)
     open_editor(screen, panel, editor)
     return panel
+
+
+def look_for_a_document(screen, panel):
+    screen.press(panel, "Add Document\u2026")
+    screen.go_to("Add Document")
+    screen.picture("add-document")
+    screen.keys("Escape")
+    screen.wait_closed("Add Document")
 
 
 def type_recipients(screen):
@@ -66,6 +75,11 @@ def read_help(screen):
     screen.wait_closed(page)
 
 
+def told_in(screen):
+    """The title of the window that follows the job."""
+    return wait_for("the window of the job", lambda: screen.window_with("Cancel Job"))
+
+
 def send_one_fax(screen, editor, book):
     """From the first window to the last."""
     panel = set_up_panel(screen, editor)
@@ -85,6 +99,7 @@ def send_one_fax(screen, editor, book):
 
     told = wait_for("the message that the job was handed over", lambda: next(
         (c for w in screen.windows() for c in w["controls"] if screen.texts.says(c["title"], "OK") and c["enabled"]), None))
+    screen.control(told_in(screen), "Cancel Job", enabled=False)
     screen.picture("handed-over")
     screen.click(told["frame"])
 
