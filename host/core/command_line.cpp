@@ -15,7 +15,7 @@ namespace {
 
 constexpr int kMostCopies = 9999;
 
-enum Long : int { kList = 256, kExtension, kTiming, kUiMap, kOutput, kTo, kTheme, kScale, kVersion, kNoStatus, kPages, kForget };
+enum Long : int { kList = 256, kExtension, kTiming, kUiMap, kOutput, kTo, kTheme, kScale, kAlert, kVersion, kNoStatus, kPages, kForget };
 
 constexpr option kLongOptions[] = {
     {"printer", required_argument, nullptr, 'd'},
@@ -34,6 +34,7 @@ constexpr option kLongOptions[] = {
     {"to", required_argument, nullptr, kTo},
     {"theme", required_argument, nullptr, kTheme},
     {"scale", required_argument, nullptr, kScale},
+    {"alert", no_argument, nullptr, kAlert},
     {"version", no_argument, nullptr, kVersion},
     {nullptr, 0, nullptr, 0},
 };
@@ -131,6 +132,8 @@ constexpr OptionHelp kOptionHelp[] = {
                                     "the printer's PPD file names (*APDialogExtension)")},
     {"    --no-status", mark("end as soon as the job is submitted, without the window\n"
                              "that follows it")},
+    {"    --alert", mark("say in a window, too, why the dialog cannot be shown; for\n"
+                         "those who start it without a terminal")},
     //: "auto", "light" and "dark" are typed as they stand here.
     {"    --theme THEME", mark("auto, light or dark; auto, which holds without it, follows\n"
                                "the desktop")},
@@ -258,6 +261,9 @@ Result<CommandLine> parse_command_line(std::vector<std::string> const &arguments
         if (argument != "auto" && argument != "light" && argument != "dark")
           return wrong(tr("{0} takes {1}, {2} or {3}, not \"{4}\".", "--theme", "auto", "light", "dark", argument));
         line.theme = argument;
+        break;
+      case kAlert:
+        line.alert = true;
         break;
       case kScale:
         if (auto const scale = scale_named(argument))

@@ -23,6 +23,7 @@ struct CommandLine {
   std::optional<std::string> title;      // none: the document's
   std::optional<std::string> extension;  // path of a print dialog extension bundle; none: the PPD's
   bool timing = false;                   // print how long each step took
+  bool alert = false;                    // say in a window, too, why there is no dialog
   bool status = true;                    // follow the job in a window after Print
   std::optional<std::string> ui_map;     // file to write the positions of the dialog's controls to
   std::optional<std::string> output;     // file for Destination::file
