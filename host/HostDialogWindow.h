@@ -34,6 +34,7 @@
   NSButton *cancelButton;
   NSButton *printButton;
   NSView *_side;
+  CGFloat _sideWidth;  // that it needs
   NSString *_printerStatus;
   BOOL _keepsSize;
   NSSize _sizeOfView;  // with which the view in the area came

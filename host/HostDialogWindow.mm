@@ -19,6 +19,7 @@ static CGFloat const kNarrowGap = 3;  // between a control and the line that bel
 - (void)makeControls;
 - (void)makeCopies:(int)copies;
 - (void)layOut;
+- (void)placeSide;
 - (NSSize)room;
 - (CGFloat)layOutRows;
 - (void)layOutButtons:(CGFloat)top;
@@ -132,6 +133,7 @@ static CGFloat const kNarrowGap = 3;  // between a control and the line that bel
 // Where everything is.
 
 - (void)layOut {
+  [self placeSide];
   NSSize const size = [self room];
   CGFloat const top = [self layOutRows];
   CGFloat const buttons = size.height - kMargin - kRow;
@@ -184,14 +186,20 @@ static CGFloat const kNarrowGap = 3;  // between a control and the line that bel
   return _side ? NSMakeSize(NSMinX([_side frame]), size.height) : size;
 }
 
+// Most of what the window is wider than it must be goes to the side: there are the pages.
+- (void)placeSide {
+  NSSize const size = [[window contentView] bounds].size;
+  CGFloat const more = std::max<CGFloat>(0, size.width - [window contentMinSize].width);
+  CGFloat const width = _sideWidth + std::floor(more * 0.75);
+  [_side setFrame:NSMakeRect(size.width - kMargin - width, kMargin, width, size.height - 2 * kMargin)];
+}
+
 - (void)setSide:(NSView *)view {
   CGFloat const more = [view frame].size.width + kMargin;
   NSSize const size = [[window contentView] bounds].size;
   NSSize const smallest = [window contentMinSize];
-  [view setFrame:NSMakeRect(size.width, kMargin, [view frame].size.width, size.height - 2 * kMargin)];
-  [view setAutoresizingMask:NSViewMinXMargin | NSViewHeightSizable];
+  _sideWidth = [view frame].size.width;
   [window setContentMinSize:NSMakeSize(smallest.width + more, smallest.height)];
-  // Only what comes later follows the window's size.
   [window setContentSize:NSMakeSize(size.width + more, size.height)];
   [[window contentView] addSubview:view];
   _side = view;
