@@ -177,14 +177,6 @@ static Memory Remembered() {
   return {};
 }
 
-// The printer used last, if there still is one of that name, comes before the default one.
-static Result<Queue> ChooseQueue(std::vector<Queue> const &queues, CommandLine const &line, Memory const &memory) {
-  if (!line.printer && !memory.printer.empty()) {
-    if (auto last = choose_queue(queues, memory.printer)) return last;
-  }
-  return choose_queue(queues, line.printer);
-}
-
 // Of the command line alone; the one that a PPD file names is checked when it is loaded.
 static std::optional<Failure> CheckExtension(CommandLine const &line) {
   if (!line.extension) return std::nullopt;
@@ -210,7 +202,8 @@ static Result<DialogRequest> Prepare(CommandLine const &line) {
   auto queues = list_queues(server);
   if (!queues) return queues.failure();
   Memory const memory = Remembered();
-  auto queue = ChooseQueue(queues.value(), line, memory);
+  auto queue = line.printer ? choose_queue(queues.value(), line.printer)
+                            : queue_to_begin_with(queues.value(), memory.printer);
   if (!queue) return queue.failure();
   auto ppd = PpdFile::of_queue(server, queue.value().name);
   if (!ppd) return ppd.failure();
@@ -222,6 +215,23 @@ static Result<DialogRequest> Prepare(CommandLine const &line) {
                        ApplicationFolder(), {all.begin() + 1, all.end()}, memory};
 }
 
+static void StartApplication(CommandLine const &line) {
+  [[NSUserDefaults standardUserDefaults]
+      registerDefaults:[NSDictionary dictionaryWithObject:@"YES" forKey:@"GSSuppressAppIcon"]];
+  fax::theme::start_application(fax::theme::choice_named(line.theme).value_or(fax::theme::Choice::automatic), line.scale);
+}
+
+// For who started the program without a terminal.
+static void ShowFailure(CommandLine const &line, Failure const &failure) {
+  if (!display_answers()) return;
+  fenced([&] {
+    StartApplication(line);
+    [NSApp finishLaunching];
+    [NSApp activateIgnoringOtherApps:YES];
+    [[[HostAlerts new] autorelease] tell:ns(failure.what) advice:ns(failure.advice)];
+  });
+}
+
 static int RunDialog(DialogRequest const &request) {
   if (!display_answers()) {
     return Fail({ExitCode::usage, tr("There is no display to show the print dialog on."),
@@ -229,10 +239,7 @@ static int RunDialog(DialogRequest const &request) {
   }
   int code = 0;
   NSException *raised = fenced([&] {
-    [[NSUserDefaults standardUserDefaults]
-        registerDefaults:[NSDictionary dictionaryWithObject:@"YES" forKey:@"GSSuppressAppIcon"]];
-    fax::theme::start_application(
-        fax::theme::choice_named(request.command_line.theme).value_or(fax::theme::Choice::automatic));
+    StartApplication(request.command_line);
     HostApplication *application = [[HostApplication alloc] initWithRequest:&request];
     [NSApp setDelegate:(id)application];
     [NSApp run];
@@ -263,7 +270,10 @@ static int Run(std::vector<std::string> const &arguments) {
     case CommandLine::Action::print: break;
   }
   auto const request = Prepare(line.value());
-  if (!request) return Fail(request.failure());
+  if (!request) {
+    if (line.value().alert) ShowFailure(line.value(), request.failure());
+    return Fail(request.failure());
+  }
   return RunDialog(request.value());
 }
 

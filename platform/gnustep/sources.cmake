@@ -17,6 +17,7 @@ set(gnustep_sources
   gnustep/PopUpKeys.mm
   gnustep/PropertyLists.mm
   gnustep/RefusedEdit.mm
+  gnustep/ScaledWindow.mm
   gnustep/SubstituteFont.mm
   gnustep/TabKeys.mm
   gnustep/TabView.mm

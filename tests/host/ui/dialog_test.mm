@@ -35,13 +35,14 @@ TEST_F(Dialog, LeavingAPanelSavesItAndSummaryAsksForItsRows) {
   open();
   auto const asked = calls_of([&] { choose(@"Options", @"Summary"); });
   EXPECT_THAT(asked, ElementsAre("shouldHide", "save", "save", "summaryInfo"));
+  MapFrame const before = map().frame;
   std::vector<std::string> labels;
-
   for (auto const &control : map().controls) {
     for (auto const &row : control.rows) labels.push_back(row.cells.at(0));
   }
   EXPECT_THAT(labels, IsSupersetOf({"Printer", "Copies", "Document", "Recording", "Image Quality", "Sender Name"}));
   EXPECT_THAT(calls_of([&] { choose(@"Options", @"Recording"); }), ElementsAre("restore", "willShow"));
+  EXPECT_EQ(std::pair(map().frame.width, map().frame.height), std::pair(before.width, before.height));
 }
 
 TEST_F(Dialog, APanelThatMustNotBeHiddenStays) {
