@@ -117,7 +117,7 @@ DevicePlace place_of_host(std::string const &device_uri, UriParts const &parts, 
   place.host = address->text;
   // CUPS reads "//host" as "ipp://host"; a panel does not.
   bool const as_it_is = place.scheme == panel_scheme(place.scheme) && device_uri.find(':') == place.scheme.size() &&
-                        is_plain_address(parts.host);
+                        parts.resource.starts_with('/') && is_plain_address(parts.host);
   place.panel_uri = as_it_is ? device_uri : with_address(device_uri, *address);
   return place;
 }
