@@ -44,6 +44,6 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const *data, std::size_t size
   std::string_view const text(reinterpret_cast<char const *>(data), size);
   check_memory(text);
   check_settings(text);
-  (void)fax::theme::scheme_of_gtk_settings(text);
+  (void)fax::theme::scheme_of_gtk_settings(fax::theme::read_gtk_settings(text));
   return 0;
 }
