@@ -185,6 +185,10 @@ int main() {
   [NSApp finishLaunching];
   // The toolkit takes a bare argument for a document to open.
   NSUserDefaults *arguments = [NSUserDefaults standardUserDefaults];
+  if ([arguments integerForKey:@"actions"] <= 0) {
+    std::fprintf(stderr, "usage: monkey -actions N -seed N\n");
+    return 2;
+  }
   Monkey monkey([arguments integerForKey:@"actions"], static_cast<unsigned long>([arguments integerForKey:@"seed"]));
   std::setvbuf(stdout, nullptr, _IOLBF, 0);
   the_monkey = &monkey;
