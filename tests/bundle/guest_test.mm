@@ -2,7 +2,6 @@
 #import "bundle_fixture.h"
 
 #import <GNUstepBase/NSDebug+GNUstepBase.h>
-#include <objc/runtime.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -70,14 +69,6 @@ struct Observation {
   std::string name, of;
 };
 std::vector<Observation> observations;
-
-template <typename Body>
-Body replace(SEL selector, Body body) {
-  using Untyped = void (*)();
-  Method const method = class_getInstanceMethod([NSNotificationCenter class], selector);
-  return reinterpret_cast<Body>(reinterpret_cast<Untyped>(
-      method_setImplementation(method, reinterpret_cast<IMP>(reinterpret_cast<Untyped>(body)))));
-}
 
 void (*own_add)(id, SEL, id, SEL, NSString *, id);
 void add(id center, SEL command, id observer, SEL selector, NSString *name, id object) {
@@ -147,14 +138,14 @@ class GuestTest : public test::BundleTest {
  protected:
   GuestTest() {
     GSDebugAllocationActive(YES);
-    own_add = replace(@selector(addObserver:selector:name:object:), &add);
-    own_remove = replace(@selector(removeObserver:name:object:), &remove);
-    own_remove_all = replace(@selector(removeObserver:), &remove_all);
+    own_add = test::replace([NSNotificationCenter class], @selector(addObserver:selector:name:object:), &add);
+    own_remove = test::replace([NSNotificationCenter class], @selector(removeObserver:name:object:), &remove);
+    own_remove_all = test::replace([NSNotificationCenter class], @selector(removeObserver:), &remove_all);
   }
   ~GuestTest() override {
-    replace(@selector(addObserver:selector:name:object:), own_add);
-    replace(@selector(removeObserver:name:object:), own_remove);
-    replace(@selector(removeObserver:), own_remove_all);
+    test::replace([NSNotificationCenter class], @selector(addObserver:selector:name:object:), own_add);
+    test::replace([NSNotificationCenter class], @selector(removeObserver:name:object:), own_remove);
+    test::replace([NSNotificationCenter class], @selector(removeObserver:), own_remove_all);
   }
 
   // A panel that is shown, printed from by way of both dialogs, and let go while its fields are being edited.

@@ -5,7 +5,6 @@
 #include "world.h"
 
 #import <GNUstepGUI/GSDisplayServer.h>
-#include <objc/runtime.h>
 
 #include <algorithm>
 #include <chrono>
@@ -158,14 +157,6 @@ class Monkey {
 
 Monkey *the_monkey = nullptr;
 
-template <typename Body>
-Body replace(Class owner, SEL selector, Body body) {
-  using Untyped = void (*)();
-  IMP const own = method_setImplementation(class_getInstanceMethod(owner, selector),
-                                           reinterpret_cast<IMP>(reinterpret_cast<Untyped>(body)));
-  return reinterpret_cast<Body>(reinterpret_cast<Untyped>(own));
-}
-
 // Every loop of the toolkit takes its events here: the main one, those of modal windows, and those that follow the mouse.
 using GetEvent = NSEvent *(*)(id, SEL, unsigned, NSDate *, NSString *, BOOL);
 GetEvent own_get_event;
@@ -194,11 +185,16 @@ int main() {
   [NSApp finishLaunching];
   // The toolkit takes a bare argument for a document to open.
   NSUserDefaults *arguments = [NSUserDefaults standardUserDefaults];
+  if ([arguments integerForKey:@"actions"] <= 0) {
+    std::fprintf(stderr, "usage: monkey -actions N -seed N\n");
+    return 2;
+  }
   Monkey monkey([arguments integerForKey:@"actions"], static_cast<unsigned long>([arguments integerForKey:@"seed"]));
   std::setvbuf(stdout, nullptr, _IOLBF, 0);
   the_monkey = &monkey;
-  own_get_event = replace([GSCurrentServer() class], @selector(getEventMatchingMask:beforeDate:inMode:dequeue:), &get_event);
-  own_raise = replace([NSException class], @selector(raise), &raised);
+  own_get_event = test::replace([GSCurrentServer() class],
+                                @selector(getEventMatchingMask:beforeDate:inMode:dequeue:), &get_event);
+  own_raise = test::replace([NSException class], @selector(raise), &raised);
   [NSApp run];
   [pool release];
 }

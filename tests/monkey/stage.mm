@@ -1,8 +1,6 @@
 #import "stage.h"
 
 #include <dlfcn.h>
-#include <objc/runtime.h>
-
 #include <map>
 
 namespace {
@@ -11,16 +9,16 @@ using monkey::utf8;
 
 // Actions whose running the rules want to know of; the body that notes it, in front of the bundle's own.
 std::vector<std::string> the_ran;
-std::map<SEL, IMP> the_bodies;
+using Action = void (*)(id, SEL, id);
+std::map<SEL, Action> the_bodies;
 
 void note(id self, SEL action, id sender) {
   the_ran.push_back(utf8(NSStringFromSelector(action)));
-  reinterpret_cast<void (*)(id, SEL, id)>(reinterpret_cast<void (*)()>(the_bodies.at(action)))(self, action, sender);
+  the_bodies.at(action)(self, action, sender);
 }
 
 void watch(char const *owner, SEL action) {
-  Method const method = class_getInstanceMethod(test::class_named(owner), action);
-  the_bodies[action] = method_setImplementation(method, reinterpret_cast<IMP>(reinterpret_cast<void (*)()>(&note)));
+  the_bodies[action] = test::replace<Action>(test::class_named(owner), action, &note);
 }
 
 BOOL stored_flag(id object, char const *name) {
