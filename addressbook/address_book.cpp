@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
+#include <functional>
 #include <numeric>
 #include <stdexcept>
 
@@ -76,6 +78,33 @@ void sort_keys(Keys keys, char const *text, std::size_t depth) {
     for (SortKey &key : run) key.head = head_at(text, key, depth + kHead);
     sort_keys(run, text, depth + kHead);
   }
+}
+
+// Tells found where in text wanted, which is not empty, stands: every place, in order. Each place of a block is looked at
+// for the first and the last byte alike, which compilers make vector instructions of.
+template <typename Found>
+void each_occurrence(std::string_view text, std::string_view wanted, Found found) {
+  constexpr std::size_t kBlock = 64;
+  std::size_t const behind = wanted.size() - 1;
+  char const first = wanted.front(), last = wanted.back();
+  std::size_t at = 0;
+  for (; at + kBlock + behind <= text.size(); at += kBlock) {
+    char const *const here = text.data() + at;
+    std::array<std::uint8_t, kBlock> maybe;
+    for (std::size_t place = 0; place < kBlock; ++place) {
+      maybe[place] = static_cast<std::uint8_t>((here[place] == first) & (here[place + behind] == last));
+    }
+    std::array<std::uint64_t, kBlock / 8> words;
+    std::memcpy(words.data(), maybe.data(), kBlock);
+    if (std::accumulate(words.begin(), words.end(), std::uint64_t{0}, std::bit_or<>()) == 0) continue;
+    for (std::size_t word = 0; word < words.size(); ++word) {
+      for (std::uint64_t left = words[word]; left != 0; left &= left - 1) {
+        std::size_t const place = 8 * word + static_cast<std::size_t>(std::countr_zero(left)) / 8;
+        if (behind < 2 || std::memcmp(here + place, wanted.data(), behind) == 0) found(at + place);
+      }
+    }
+  }
+  for (at = text.find(wanted, at); at != text.npos; at = text.find(wanted, at + 1)) found(at);
 }
 
 std::u16string_view until_zero(std::u16string_view text) {
@@ -251,23 +280,14 @@ std::vector<RowNumber> AddressBook::rows_named(std::u16string_view text, CaseFol
     std::iota(rows.begin(), rows.end(), RowNumber{0});
     return rows;
   }
-  char const *const begin = names_.data();
-  char const *const end = begin + names_.size();
   RowNumber row = 0;
-  for (char const *at = begin;;) {
-    at = static_cast<char const *>(
-        memmem(at, static_cast<std::size_t>(end - at), wanted.data(), wanted.size()));
-    if (at == nullptr) return rows;
-    char const *const after = at + wanted.size();
-    // Behind every name stands a NUL, so there is a byte to look at.
-    if (CaseFold::continues_letter(*after)) {
-      ++at;
-      continue;
-    }
-    while (starts_[row + 1] <= static_cast<std::size_t>(at - begin)) ++row;
+  each_occurrence(names_, wanted, [&](std::size_t place) {
+    // In a row that was found already; or another letter, and behind every name stands a NUL to look at.
+    if (place < starts_[row] || CaseFold::continues_letter(names_[place + wanted.size()])) return;
+    while (starts_[row + 1] <= place) ++row;
     rows.push_back(row++);
-    at = begin + starts_[row];
-  }
+  });
+  return rows;
 }
 
 template <typename RowAt>

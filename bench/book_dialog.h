@@ -18,6 +18,7 @@ namespace fax::bench {
 
 // Its objects live as long as the program.
 struct BookDialog {
+  id fax_controller;  // of the fax dialog that it belongs to
   id controller;
   NSArrayController *files;
   NSArrayController *entries;
@@ -26,6 +27,9 @@ struct BookDialog {
   NSTextField *search;
   NSWindow *window;
 };
+
+// The bundle, loaded; std::runtime_error when it does not load.
+NSBundle *loaded_bundle();
 
 // std::runtime_error when it does not load.
 BookDialog open_book_dialog();

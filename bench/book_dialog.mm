@@ -22,12 +22,6 @@ namespace fax::bench {
 
 namespace {
 
-NSBundle *load_bundle() {
-  NSBundle *bundle = [NSBundle bundleWithPath:[NSString stringWithUTF8String:BUNDLE_PATH]];
-  if (![bundle load]) throw std::runtime_error("the bundle does not load");
-  return bundle;
-}
-
 // The first view of the class, at or below this one.
 id first_of(Class wanted, NSView *view) {
   if ([view isKindOfClass:wanted]) return view;
@@ -52,15 +46,22 @@ void settle() {
 
 }  // namespace
 
+NSBundle *loaded_bundle() {
+  NSBundle *bundle = [NSBundle bundleWithPath:[NSString stringWithUTF8String:BUNDLE_PATH]];
+  if (![bundle load]) throw std::runtime_error("the bundle does not load");
+  return bundle;
+}
+
 BookDialog open_book_dialog() {
   BookDialogOwner *owner = [[BookDialogOwner alloc] init];
   NSArray *objects = nil;
-  if (![load_bundle() loadNibNamed:@"FaxSetting" owner:owner topLevelObjects:&objects]) {
+  if (![loaded_bundle() loadNibNamed:@"FaxSetting" owner:owner topLevelObjects:&objects]) {
     throw std::runtime_error("the dialog's document does not load");
   }
   [objects retain];
   BookDialog dialog;
-  dialog.controller = [owner->detailedFaxSettingContoller valueForKey:@"addressBookController"];
+  dialog.fax_controller = owner->detailedFaxSettingContoller;
+  dialog.controller = [dialog.fax_controller valueForKey:@"addressBookController"];
   dialog.files = [dialog.controller valueForKey:@"addressFileList"];
   dialog.entries = [dialog.controller valueForKey:@"pcAddressList"];
   dialog.printer_entries = [dialog.controller valueForKey:@"deviceAddressList"];

@@ -24,6 +24,33 @@ constexpr std::array kForms = {"GmbH", "AG", "Ltd", "SARL"};
   throw std::runtime_error(database == nullptr ? "no memory" : sqlite3_errmsg(database));
 }
 
+// Opens the file, gives each row of the query to take, closes it.
+template <typename Take>
+void step(std::string const &path, int flags, char const *query, Take take) {
+  sqlite3 *raw = nullptr;
+  int status = sqlite3_open_v2(path.c_str(), &raw, SQLITE_OPEN_READONLY | flags, nullptr);
+  std::unique_ptr<sqlite3, decltype(&sqlite3_close)> const database(raw, sqlite3_close);
+  if (status != SQLITE_OK) fail(raw);
+  sqlite3_stmt *statement = nullptr;
+  if (sqlite3_prepare_v2(raw, query, -1, &statement, nullptr) != SQLITE_OK) fail(raw);
+  std::unique_ptr<sqlite3_stmt, decltype(&sqlite3_finalize)> const rows(statement, sqlite3_finalize);
+  while ((status = sqlite3_step(statement)) == SQLITE_ROW) take(statement);
+  if (status != SQLITE_DONE) fail(raw);
+}
+
+std::size_t touch_all(std::string const &path, int flags) {
+  std::size_t touched = 0;
+  char const *const query = "SELECT id, name, number, company, note, index_key, registered FROM individuals ORDER BY id";
+  step(path, flags, query, [&touched](sqlite3_stmt *row) {
+    for (int const column : {0, 6}) touched += static_cast<std::size_t>(sqlite3_column_int64(row, column));
+    for (int column = 1; column < 6; ++column) {
+      touched += sqlite3_column_text(row, column)[0];
+      touched += static_cast<std::size_t>(sqlite3_column_bytes(row, column));
+    }
+  });
+  return touched;
+}
+
 }  // namespace
 
 void write_book(std::string const &path, std::size_t people, unsigned seed) {
@@ -48,25 +75,18 @@ void write_book(std::string const &path, std::size_t people, unsigned seed) {
   }
 }
 
-std::size_t step_through(std::string const &path) {
-  sqlite3 *raw = nullptr;
-  int status = sqlite3_open_v2(path.c_str(), &raw, SQLITE_OPEN_READONLY, nullptr);
-  std::unique_ptr<sqlite3, decltype(&sqlite3_close)> const database(raw, sqlite3_close);
-  if (status != SQLITE_OK) fail(raw);
-  sqlite3_stmt *statement = nullptr;
-  char const *const query = "SELECT id, name, number, company, note, index_key, registered FROM individuals ORDER BY id";
-  if (sqlite3_prepare_v2(raw, query, -1, &statement, nullptr) != SQLITE_OK) fail(raw);
-  std::unique_ptr<sqlite3_stmt, decltype(&sqlite3_finalize)> const rows(statement, sqlite3_finalize);
-  std::size_t touched = 0;
-  while ((status = sqlite3_step(statement)) == SQLITE_ROW) {
-    for (int const column : {0, 6}) touched += static_cast<std::size_t>(sqlite3_column_int64(statement, column));
-    for (int column = 1; column < 6; ++column) {
-      touched += sqlite3_column_text(statement, column)[0];
-      touched += static_cast<std::size_t>(sqlite3_column_bytes(statement, column));
+std::size_t step_through(std::string const &path) { return touch_all(path, 0); }
+std::size_t step_through_alone(std::string const &path) { return touch_all(path, SQLITE_OPEN_NOMUTEX); }
+
+void for_each_person(std::string const &path, std::function<void(PersonView const &)> const &take) {
+  step(path, 0, "SELECT name, number, company, note FROM individuals ORDER BY id", [&take](sqlite3_stmt *row) {
+    PersonView person;
+    for (int column = 0; column < 4; ++column) {
+      auto const *const text = reinterpret_cast<char const *>(sqlite3_column_text(row, column));
+      person[static_cast<std::size_t>(column)] = {text, static_cast<std::size_t>(sqlite3_column_bytes(row, column))};
     }
-  }
-  if (status != SQLITE_DONE) fail(raw);
-  return touched;
+    take(person);
+  });
 }
 
 }  // namespace fax::bench

@@ -24,6 +24,16 @@ if(DIRECTFAX_SANITIZE)
   add_link_options(-fsanitize=address,undefined)
 endif()
 
+# For script/fuzz: the plain sources by clang, seen by its fuzzer; the Objective-C ones, which it does not see, by GCC.
+if(DIRECTFAX_FUZZ)
+  # GCC's own folder has the headers of the Objective-C runtime.
+  execute_process(COMMAND ${CMAKE_OBJC_COMPILER} -print-file-name=include OUTPUT_VARIABLE runtime_headers
+                  OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+  add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-idirafter${runtime_headers}>)
+  add_compile_options($<$<COMPILE_LANGUAGE:C,CXX>:-fsanitize=fuzzer-no-link,address,undefined>
+                      $<$<COMPILE_LANGUAGE:C,CXX>:-fno-sanitize-recover=undefined> -fno-omit-frame-pointer)
+endif()
+
 find_package(PkgConfig REQUIRED)
 find_package(Cups REQUIRED)
 

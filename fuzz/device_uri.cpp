@@ -1,5 +1,7 @@
-// A printer's device URI of any bytes: URI splitting, percent escapes, Bonjour names.
+// A printer's device URI of any bytes: URI splitting, percent escapes, Bonjour names, and what the dialog gives a panel.
 #include "fuzz/check.h"
+#include "host/core/device_place.h"
+#include "platform/url_text.h"
 #include "plugin/device_uri.h"
 
 #include <algorithm>
@@ -66,6 +68,28 @@ void check_scheme(std::string_view scheme) {
   FUZZ_CHECK(fax::connection_of(scheme) == fax::connection_of(upper));
 }
 
+// What a panel is given never makes it look a name up, and names the place that the dialog shows.
+void check_place(std::string const &uri) {
+  using fax::host::Route;
+  auto const place = fax::host::place_of(uri);
+  FUZZ_CHECK((place.route == Route::none) == uri.empty());
+  if (place.route == Route::name) {
+    FUZZ_CHECK(!place.panel_uri && !place.host.empty());
+    auto const address = fax::host::numeric_address(std::string_view("2001:db8::1"));
+    FUZZ_CHECK(fax::url_host(fax::host::with_address(uri, *address)) == "2001:db8::1");
+  }
+  if (place.route == Route::address) {
+    FUZZ_CHECK(place.panel_uri.has_value());
+    auto const host = fax::url_host(*place.panel_uri);
+    FUZZ_CHECK(host && fax::host::numeric_address(*host).has_value());
+  }
+  if (place.route == Route::service) {
+    FUZZ_CHECK(is_utf8(place.host) && fax::split_service_name(place.host).has_value());
+    auto const panel = fax::split_device_uri(*place.panel_uri);
+    FUZZ_CHECK(panel && fax::without_percent_escapes(panel->host) == place.host);
+  }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const *data, std::size_t size) {
@@ -82,5 +106,6 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const *data, std::size_t size
     check_escapes(input);
   }
   check_service_name(input);
+  check_place(std::string(input));
   return 0;
 }

@@ -7,7 +7,7 @@
 
 namespace fax::tool {
 
-// One person or company. Texts are UTF-8, as they are spelled in the list, of any length; only number can be empty.
+// One person or company. Texts are UTF-8, as they are spelled in the list, of any length; each but number can be empty.
 struct Contact {
   std::string name, number, company, note;
   std::vector<std::string> groups;  // names, possibly one twice

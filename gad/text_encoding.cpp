@@ -96,6 +96,8 @@ Kind kind_of(unsigned char byte) {
 bool reads_as_japanese(std::string_view bytes) {
   std::size_t in_words = 0, stray = 0;
   for (std::size_t i = 0; i < bytes.size();) {
+    // Both loops look at the end before they read on.
+    // cppcheck-suppress containerOutOfBounds
     Kind const kind = kind_of(static_cast<unsigned char>(bytes[i]));
     if (kind == Kind::foreign) return false;
     std::size_t const size = kind == Kind::common || kind == Kind::rare ? 2 : 1;

@@ -34,8 +34,10 @@
   NSButton *cancelButton;
   NSButton *printButton;
   NSView *_side;
+  CGFloat _sideWidth;  // that it needs
   NSString *_printerStatus;
   BOOL _keepsSize;
+  NSSize _sizeOfView;  // with which the view in the area came
 }
 // target is not retained. Makes the window, does not show it.
 - (id)initWithTitle:(NSString *)title copies:(int)copies target:(id<HostDialogActions>)target;

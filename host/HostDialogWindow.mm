@@ -19,10 +19,13 @@ static CGFloat const kNarrowGap = 3;  // between a control and the line that bel
 - (void)makeControls;
 - (void)makeCopies:(int)copies;
 - (void)layOut;
+- (void)placeSide;
 - (NSSize)room;
 - (CGFloat)layOutRows;
 - (void)layOutButtons:(CGFloat)top;
-- (void)makeRoomFor:(NSView *)view;
+- (NSView *)shownView;
+- (void)takeViewOut;
+- (void)makeRoomFor:(NSSize)needed;
 - (void)placeView;
 - (void)joinFocus;
 @end
@@ -130,6 +133,7 @@ static CGFloat const kNarrowGap = 3;  // between a control and the line that bel
 // Where everything is.
 
 - (void)layOut {
+  [self placeSide];
   NSSize const size = [self room];
   CGFloat const top = [self layOutRows];
   CGFloat const buttons = size.height - kMargin - kRow;
@@ -182,14 +186,20 @@ static CGFloat const kNarrowGap = 3;  // between a control and the line that bel
   return _side ? NSMakeSize(NSMinX([_side frame]), size.height) : size;
 }
 
+// Most of what the window is wider than it must be goes to the side: there are the pages.
+- (void)placeSide {
+  NSSize const size = [[window contentView] bounds].size;
+  CGFloat const more = std::max<CGFloat>(0, size.width - [window contentMinSize].width);
+  CGFloat const width = _sideWidth + std::floor(more * 0.75);
+  [_side setFrame:NSMakeRect(size.width - kMargin - width, kMargin, width, size.height - 2 * kMargin)];
+}
+
 - (void)setSide:(NSView *)view {
   CGFloat const more = [view frame].size.width + kMargin;
   NSSize const size = [[window contentView] bounds].size;
   NSSize const smallest = [window contentMinSize];
-  [view setFrame:NSMakeRect(size.width, kMargin, [view frame].size.width, size.height - 2 * kMargin)];
-  [view setAutoresizingMask:NSViewMinXMargin | NSViewHeightSizable];
+  _sideWidth = [view frame].size.width;
   [window setContentMinSize:NSMakeSize(smallest.width + more, smallest.height)];
-  // Only what comes later follows the window's size.
   [window setContentSize:NSMakeSize(size.width + more, size.height)];
   [[window contentView] addSubview:view];
   _side = view;
@@ -202,7 +212,9 @@ static CGFloat const kNarrowGap = 3;  // between a control and the line that bel
 }
 
 - (void)setSize:(NSSize)size {
-  NSSize const screen = [[NSScreen mainScreen] visibleFrame].size;
+  NSSize const pixels = [[NSScreen mainScreen] visibleFrame].size;
+  CGFloat const scale = [window userSpaceScaleFactor];
+  NSSize const screen = NSMakeSize(std::floor(pixels.width / scale), std::floor(pixels.height / scale));
   NSSize const smallest = [window contentMinSize];
   [window setContentSize:NSMakeSize(std::max(smallest.width, std::min(size.width, screen.width)),
                                     std::max(smallest.height, std::min(size.height, screen.height)))];
@@ -300,52 +312,64 @@ static CGFloat const kNarrowGap = 3;  // between a control and the line that bel
 
 // The area below the pop-up of the panels.
 
+- (NSView *)shownView {
+  NSArray *const views = [[panelArea contentView] subviews];
+  return [views count] ? [views objectAtIndex:0] : nil;
+}
+
+// A view leaves with the size that it came with: it may come again.
+- (void)takeViewOut {
+  NSView *const view = [[[self shownView] retain] autorelease];
+  [view removeFromSuperview];
+  if (_keepsSize) [view setFrameSize:_sizeOfView];
+}
+
 - (void)clearArea {
+  [self takeViewOut];
   [panelArea setContentView:[[[NSView alloc] initWithFrame:NSZeroRect] autorelease]];
 }
 
 - (void)showView:(NSView *)view keepsSize:(BOOL)keepsSize {
+  [self takeViewOut];
   _keepsSize = keepsSize;
-  [[[panelArea contentView] subviews] makeObjectsPerformSelector:@selector(removeFromSuperview)];
+  _sizeOfView = [view frame].size;
+  if (keepsSize) [self makeRoomFor:_sizeOfView];
   [[panelArea contentView] addSubview:view];
-  if (keepsSize) [self makeRoomFor:view];
   [self placeView];
   [self joinFocus];
   [panelArea setNeedsDisplay:YES];
 }
 
-// Makes the window larger when the view needs it, never smaller.
-- (void)makeRoomFor:(NSView *)view {
-  NSSize const needed = [view frame].size;
+// Makes the window larger when a view needs it, never smaller.
+- (void)makeRoomFor:(NSSize)needed {
   NSSize const room = [[panelArea contentView] bounds].size;
   NSSize const more = NSMakeSize(std::max<CGFloat>(0, needed.width - room.width),
                                  std::max<CGFloat>(0, needed.height - room.height));
   if (more.width <= 0 && more.height <= 0) return;
   NSSize const now = [[window contentView] bounds].size;
-  [window setContentMinSize:NSMakeSize(now.width + more.width, now.height + more.height)];
-  NSRect frame = [window frame];
-  frame.size.width += more.width;
-  frame.size.height += more.height;
-  frame.origin.y -= more.height;
+  NSRect const content = NSMakeRect(0, 0, now.width + more.width, now.height + more.height);
+  [window setContentMinSize:content.size];
+  // The upper edge stays where it is.
+  NSRect frame = [window frameRectForContentRect:content];
+  frame.origin = NSMakePoint(NSMinX([window frame]), NSMaxY([window frame]) - frame.size.height);
   [window setFrame:frame display:YES];
   [self layOut];
 }
 
 - (void)placeView {
-  NSView *area = [panelArea contentView];
-  NSView *view = [[area subviews] count] ? [[area subviews] objectAtIndex:0] : nil;
+  NSView *const area = [panelArea contentView];
+  NSView *const view = [self shownView];
   if (!view) return;
   NSSize const room = [area bounds].size;
   if (!_keepsSize) {
     [view setFrame:[area bounds]];
     return;
   }
-  NSRect frame = [view frame];
-  if ([view autoresizingMask] & NSViewWidthSizable) frame.size.width = std::max(frame.size.width, room.width);
-  frame.origin.x = std::floor(std::max<CGFloat>(0, (room.width - frame.size.width) / 2));
-  frame.origin.y = std::floor(room.height - frame.size.height);
-  [view setFrame:frame];
+  NSSize size = _sizeOfView;
+  if ([view autoresizingMask] & NSViewWidthSizable) size.width = std::max(size.width, room.width);
   // The place is chosen here, not by the view's own mask.
+  [view setFrame:NSMakeRect(std::floor(std::max<CGFloat>(0, (room.width - size.width) / 2)),
+                            std::floor(room.height - size.height), size.width, size.height)];
   [view setNeedsDisplay:YES];
 }
 

@@ -9,7 +9,7 @@
   id _factory;
   NSString *_problem;
 }
-// Loads the bundle and makes its factory. Never nil.
+// Loads the bundle, unless others than its user may change it (core/trusted_path.h), and makes its factory. Never nil.
 - (id)initWithPath:(NSString *)path;
 - (NSString *)path;
 // What failed last, a sentence for the user; nil for nothing.

@@ -1,5 +1,7 @@
 #import "host/HostExtension.h"
 
+#include "host/core/trusted_path.h"
+
 #import "host/fence.h"
 #import "toolkit/text.h"
 
@@ -47,9 +49,15 @@ static NSString *const kPanelType = @"BDB091F4-E57F-11D3-B5CC-0050E4603277";
   std::string const name = utf8([path lastPathComponent]);
   id usable = nil;
   NSException *raised = fax::host::fenced([&] {
-    NSBundle *bundle = [NSBundle bundleWithPath:path];
+    auto const trusted = fax::host::trusted_path(utf8(path));
+    NSBundle *bundle = [NSBundle bundleWithPath:ns(trusted.resolved.string())];
     if (!bundle) {
       [self setProblem:ns(tr("There is no print dialog extension at \"{0}\".", utf8(path)))];
+      return;
+    }
+    if (trusted.weak) {
+      [self setProblem:ns(tr("The print dialog extension \"{0}\" is not loaded: other users may change \"{1}\".", name,
+                             trusted.weak->string()))];
       return;
     }
     if (![bundle load]) {

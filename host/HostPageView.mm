@@ -67,21 +67,33 @@ static CGFloat const kTextRow = 18;
   return _picture != nil;
 }
 
-- (NSSize)room {
+// In points.
+- (NSSize)space {
   NSSize const size = [self bounds].size;
   return NSMakeSize(std::max<CGFloat>(1, size.width - 2 * kBorder), std::max<CGFloat>(1, size.height - 2 * kBorder));
+}
+
+- (CGFloat)pixelsInPoint {
+  NSWindow *const window = [self window];
+  return window ? [window userSpaceScaleFactor] : 1;
+}
+
+- (NSSize)room {
+  NSSize const space = [self space];
+  CGFloat const scale = [self pixelsInPoint];
+  return NSMakeSize(std::floor(space.width * scale), std::floor(space.height * scale));
 }
 
 // Drawing.
 
 - (NSRect)page {
-  NSSize const room = [self room];
-  CGFloat const wide = _picture ? [_picture pixelsWide] : room.width;
-  CGFloat const high = _picture ? [_picture pixelsHigh] : room.height;
-  CGFloat const scale = std::min<CGFloat>(1, std::min(room.width / wide, room.height / high));
-  NSSize const size = NSMakeSize(std::floor(wide * scale), std::floor(high * scale));
-  return NSMakeRect(kBorder + std::floor((room.width - size.width) / 2),
-                    kBorder + std::floor((room.height - size.height) / 2), size.width, size.height);
+  NSSize const space = [self space];
+  CGFloat const wide = _picture ? [_picture pixelsWide] : space.width;
+  CGFloat const high = _picture ? [_picture pixelsHigh] : space.height;
+  CGFloat const scale = std::min(1 / [self pixelsInPoint], std::min(space.width / wide, space.height / high));
+  NSSize const size = NSMakeSize(wide * scale, high * scale);
+  return NSMakeRect(kBorder + std::floor((space.width - size.width) / 2),
+                    kBorder + std::floor((space.height - size.height) / 2), size.width, size.height);
 }
 
 - (void)drawText:(NSString *)text color:(NSColor *)color {

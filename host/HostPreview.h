@@ -10,6 +10,7 @@
 
 #import "host/HostAlerts.h"
 #import "host/HostDialogWindow.h"
+#import "host/HostDrops.h"
 #import "host/HostPageView.h"
 
 @protocol HostPreviewOwner
@@ -17,12 +18,13 @@
 - (void)previewDidChange;
 @end
 
-@interface HostPreview : NSObject <HostPageViewOwner> {
+@interface HostPreview : NSObject <HostPageViewOwner, HostDropsOwner> {
   struct HostPreviewState *_state;
   HostDialogWindow *_window;
   id<HostAlerting> _alerts;
   id<HostPreviewOwner> _owner;
   NSFileHandle *_ended;  // readable when the work under way is over
+  HostDrops *_drops;     // on the whole window
   HostPageView *pageView;
   NSButton *previousPageButton;
   NSButton *nextPageButton;
@@ -38,7 +40,8 @@
                window:(HostDialogWindow *)window
                alerts:(id<HostAlerting>)alerts
                 owner:(id<HostPreviewOwner>)owner;
-// Begins to read the documents. To be called when the dialog is on the screen.
+// Begins to read the documents, and to take those that are dropped on the window. To be called when the dialog is on the
+// screen.
 - (void)start;
 // Ends all work and forgets its owner.
 - (void)stop;

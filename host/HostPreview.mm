@@ -104,6 +104,7 @@ Result<Document> prepared(PrintPlan &plan, HostPreviewState const &state) {
   [pageView forgetOwner];
   [rangeField setDelegate:nil];
   static_cast<HostPreviewPane *>([pageView superview])->owner = nil;
+  [_drops release];
   [_window release];
   [(id)_alerts release];
   delete _state;
@@ -113,10 +114,16 @@ Result<Document> prepared(PrintPlan &plan, HostPreviewState const &state) {
 - (void)start {
   _state->running = true;
   [self goOn];
+  [self performSelector:@selector(takeDrops) withObject:nil afterDelay:0];
+}
+
+- (void)takeDrops {
+  if (!_drops) _drops = [[HostDrops alloc] initOnWindow:[_window window] owner:self];
 }
 
 - (void)stop {
   _state->running = false;
+  [_drops stop];
   [NSObject cancelPreviousPerformRequestsWithTarget:self];
   [self drop];
   _owner = nil;
@@ -416,6 +423,13 @@ Result<Document> prepared(PrintPlan &plan, HostPreviewState const &state) {
       [_alerts tell:ns(document.failure().what) advice:ns(document.failure().advice)];
   }
   [self documentsChanged];
+}
+
+- (void)takeDroppedPaths:(NSArray *)paths others:(NSArray *)others {
+  if ([paths count]) [self addPaths:paths];
+  if ([others count] == 0) return;
+  [_alerts tell:ns(tr("\"{0}\" is no file of this computer.", utf8([others objectAtIndex:0])))
+         advice:ns(tr("Save it as a file, then add that."))];
 }
 
 - (void)addDocument:(id)sender {

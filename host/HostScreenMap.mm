@@ -66,17 +66,37 @@ class WindowReader {
       if (name != names_.end()) map.controls[entry.first].identifier = name->second;
     }
     name_by_labels(map);
+    place(map);
     return map;
   }
 
  private:
+  // In points of the window.
   MapFrame frame(NSRect rect, NSView *view) const {
     NSRect const inside = [view convertRect:rect toView:area_];
     CGFloat const top =
         [area_ isFlipped] ? NSMinY(inside) : [area_ bounds].size.height - NSMaxY(inside);
-    return {origin_.first + static_cast<int>(std::lround(NSMinX(inside))),
-            origin_.second + static_cast<int>(std::lround(top)), static_cast<int>(std::lround(inside.size.width)),
-            static_cast<int>(std::lround(inside.size.height))};
+    return {static_cast<int>(std::lround(NSMinX(inside))), static_cast<int>(std::lround(top)),
+            static_cast<int>(std::lround(inside.size.width)), static_cast<int>(std::lround(inside.size.height))};
+  }
+
+  // From points of the window to pixels of the screen.
+  void place(MapFrame &frame) const {
+    CGFloat const scale = [window_ userSpaceScaleFactor];
+    auto const pixels = [&](int points) { return static_cast<int>(std::lround(points * scale)); };
+    frame = {origin_.first + pixels(frame.x), origin_.second + pixels(frame.y), pixels(frame.width),
+             pixels(frame.height)};
+  }
+
+  void place(MapWindow &map) const {
+    place(map.frame);
+    for (MapControl &control : map.controls) {
+      place(control.frame);
+      for (MapRow &row : control.rows) {
+        place(row.frame);
+        for (MapFrame &cell : row.cell_frames) place(cell);
+      }
+    }
   }
 
   bool focused(NSView *view) const {

@@ -1,5 +1,7 @@
 #include "host/help_page.h"
 
+#include "host/core/utf8.h"
+
 #include <libxml/HTMLparser.h>
 
 #include <algorithm>
@@ -133,7 +135,7 @@ class Reader {
   void list(xmlNode *node, bool numbered) {
     close();
     ++depth_;
-    int number = 1;
+    long long number = 1;
     if (auto start = attribute(node, "start"); numbered && !start.empty()) number = std::atoi(start.c_str());
     for (xmlNode *child = node->children; child; child = child->next) {
       if (child->type != XML_ELEMENT_NODE) continue;
@@ -192,9 +194,10 @@ class Reader {
     return runs;
   }
 
-  HelpRun piece(std::string text) const {
+  // The parser passes on what it takes for the name of a broken tag as it stands.
+  HelpRun piece(std::string_view text) const {
     HelpRun run = style_;
-    run.text = std::move(text);
+    run.text = valid_utf8(text);
     return run;
   }
 
@@ -222,7 +225,7 @@ class Reader {
 
   // A space at the end of a block is not seen.
   static void trim(std::vector<HelpRun> &runs) {
-    if (runs.empty() || !runs.back().image.empty() || runs.back().text.back() != ' ') return;
+    if (runs.empty() || !runs.back().image.empty() || !runs.back().text.ends_with(' ')) return;
     runs.back().text.pop_back();
     if (runs.back().text.empty()) runs.pop_back();
   }
@@ -246,7 +249,7 @@ class Reader {
 
   void add_text(std::string_view text) {
     if (open_ && page_.blocks.back().kind == HelpBlock::Kind::preformatted) {
-      page_.blocks.back().cells.back().push_back(piece(std::string{text}));
+      page_.blocks.back().cells.back().push_back(piece(text));
       return;
     }
     std::string folded;
@@ -261,7 +264,7 @@ class Reader {
       folded += c;
     }
     if (space && (!folded.empty() || takes_space())) folded += ' ';
-    if (!folded.empty()) block().cells.back().push_back(piece(std::move(folded)));
+    if (!folded.empty()) block().cells.back().push_back(piece(folded));
   }
 
   // Is there something on the line that a space could follow?
@@ -269,7 +272,7 @@ class Reader {
     if (!open_) return false;
     auto const &runs = page_.blocks.back().cells.back();
     if (runs.empty()) return false;
-    return !runs.back().image.empty() || (runs.back().text.back() != ' ' && runs.back().text.back() != '\n');
+    return !runs.back().image.empty() || !(runs.back().text.ends_with(' ') || runs.back().text.ends_with('\n'));
   }
 
   HelpPage &page_;
@@ -314,11 +317,12 @@ bool declares_encoding(std::string_view html) {
   return text.find("charset") != std::string::npos || text.find("encoding=") != std::string::npos;
 }
 
+// "%41" -> "A". "%00" stays as it is: it would end the path for whoever opens it.
 std::string decoded(std::string_view text) {
   std::string result;
   for (std::size_t at = 0; at < text.size(); ++at) {
     if (text[at] == '%' && at + 2 < text.size() && std::isxdigit(static_cast<unsigned char>(text[at + 1])) &&
-        std::isxdigit(static_cast<unsigned char>(text[at + 2]))) {
+        std::isxdigit(static_cast<unsigned char>(text[at + 2])) && text.substr(at + 1, 2) != "00") {
       result += static_cast<char>(std::stoi(std::string{text.substr(at + 1, 2)}, nullptr, 16));
       at += 2;
     } else {
@@ -342,7 +346,7 @@ std::optional<HelpPage> read_help_page(std::string_view html) {
   xmlNode *body = find(root, "body");
   reader.read(body ? body->children : root);
   reader.finish();
-  if (xmlNode *title = find(root, "title")) page.title = folded_content(title);
+  if (xmlNode *title = find(root, "title")) page.title = valid_utf8(folded_content(title));
   for (HelpBlock const &block : page.blocks) {
     if (!page.title.empty()) break;
     if (block.kind != HelpBlock::Kind::heading) continue;

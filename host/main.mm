@@ -15,6 +15,7 @@
 #include "host/core/memory.h"
 #include "host/core/ppd_file.h"
 #include "host/core/queues.h"
+#include "host/core/trusted_path.h"
 #include "host/theme/preference.h"
 #include "host/x_display.h"
 
@@ -176,28 +177,33 @@ static Memory Remembered() {
   return {};
 }
 
-// The printer used last, if there still is one of that name, comes before the default one.
-static Result<Queue> ChooseQueue(std::vector<Queue> const &queues, CommandLine const &line, Memory const &memory) {
-  if (!line.printer && !memory.printer.empty()) {
-    if (auto last = choose_queue(queues, memory.printer)) return last;
-  }
-  return choose_queue(queues, line.printer);
+// Of the command line alone; the one that a PPD file names is checked when it is loaded.
+static std::optional<Failure> CheckExtension(CommandLine const &line) {
+  if (!line.extension) return std::nullopt;
+  std::error_code ignored;
+  if (!std::filesystem::is_directory(*line.extension, ignored))
+    return Failure{ExitCode::extension, tr("There is no print dialog extension at \"{0}\".", *line.extension),
+                   tr("Give the path of a bundle with {0}.", "--extension")};
+  auto const trusted = trusted_path(*line.extension);
+  if (!trusted.weak) return std::nullopt;
+  return Failure{ExitCode::extension,
+                 tr("The print dialog extension \"{0}\" is not loaded: other users may change \"{1}\".",
+                    *line.extension, trusted.weak->string()),
+                 //: chown and chmod are commands, go-w is what to say to chmod.
+                 tr("Take that right from them (chown, chmod go-w), or use a copy in a folder of your own.")};
 }
 
 // Everything that can go wrong before there is a window.
 static Result<DialogRequest> Prepare(CommandLine const &line) {
   auto documents = OpenAll(line.files);
   if (!documents) return documents.failure();
-  std::error_code ignored;
-  if (line.extension && !std::filesystem::is_directory(*line.extension, ignored)) {
-    return Failure{ExitCode::extension, tr("There is no print dialog extension at \"{0}\".", *line.extension),
-                   tr("Give the path of a bundle with {0}.", "--extension")};
-  }
+  if (auto unusable = CheckExtension(line)) return *unusable;
   Server const server = Server::current();
   auto queues = list_queues(server);
   if (!queues) return queues.failure();
   Memory const memory = Remembered();
-  auto queue = ChooseQueue(queues.value(), line, memory);
+  auto queue = line.printer ? choose_queue(queues.value(), line.printer)
+                            : queue_to_begin_with(queues.value(), memory.printer);
   if (!queue) return queue.failure();
   auto ppd = PpdFile::of_queue(server, queue.value().name);
   if (!ppd) return ppd.failure();
@@ -209,6 +215,23 @@ static Result<DialogRequest> Prepare(CommandLine const &line) {
                        ApplicationFolder(), {all.begin() + 1, all.end()}, memory};
 }
 
+static void StartApplication(CommandLine const &line) {
+  [[NSUserDefaults standardUserDefaults]
+      registerDefaults:[NSDictionary dictionaryWithObject:@"YES" forKey:@"GSSuppressAppIcon"]];
+  fax::theme::start_application(fax::theme::choice_named(line.theme).value_or(fax::theme::Choice::automatic), line.scale);
+}
+
+// For who started the program without a terminal.
+static void ShowFailure(CommandLine const &line, Failure const &failure) {
+  if (!display_answers()) return;
+  fenced([&] {
+    StartApplication(line);
+    [NSApp finishLaunching];
+    [NSApp activateIgnoringOtherApps:YES];
+    [[[HostAlerts new] autorelease] tell:ns(failure.what) advice:ns(failure.advice)];
+  });
+}
+
 static int RunDialog(DialogRequest const &request) {
   if (!display_answers()) {
     return Fail({ExitCode::usage, tr("There is no display to show the print dialog on."),
@@ -216,10 +239,7 @@ static int RunDialog(DialogRequest const &request) {
   }
   int code = 0;
   NSException *raised = fenced([&] {
-    [[NSUserDefaults standardUserDefaults]
-        registerDefaults:[NSDictionary dictionaryWithObject:@"YES" forKey:@"GSSuppressAppIcon"]];
-    fax::theme::start_application(
-        fax::theme::choice_named(request.command_line.theme).value_or(fax::theme::Choice::automatic));
+    StartApplication(request.command_line);
     HostApplication *application = [[HostApplication alloc] initWithRequest:&request];
     [NSApp setDelegate:(id)application];
     [NSApp run];
@@ -250,7 +270,10 @@ static int Run(std::vector<std::string> const &arguments) {
     case CommandLine::Action::print: break;
   }
   auto const request = Prepare(line.value());
-  if (!request) return Fail(request.failure());
+  if (!request) {
+    if (line.value().alert) ShowFailure(line.value(), request.failure());
+    return Fail(request.failure());
+  }
   return RunDialog(request.value());
 }
 

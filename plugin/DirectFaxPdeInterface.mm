@@ -14,6 +14,7 @@
 #import "plugin/PpdFeature.h"
 #include "plugin/ppd_choices.h"
 #include "plugin/resolved_address.h"
+#import "support/guarded.h"
 #include "support/help.h"
 #import "support/InputStringChecker.h"
 #include "support/system_utilities.h"
@@ -64,6 +65,27 @@ BOOL load_nib(NSBundle *bundle, NSString *name, id owner, NSMutableArray **kept)
   return YES;
 }
 
+// Controls do not keep their target. A host's window may keep a control longer than the panel lives: the one that had the
+// focus first, say.
+void forget_target(NSView *view, id target) {
+  if ([view isKindOfClass:[NSControl class]] && [(NSControl *)view target] == target) [(NSControl *)view setTarget:nil];
+  NSEnumerator *parts = [[view subviews] objectEnumerator];
+  while (NSView *part = [parts nextObject]) forget_target(part, target);
+}
+
+// The same with the name of this class in front.
+template <typename Work>
+auto guard(char const *operation, std::type_identity_t<std::invoke_result_t<Work &>> failed, Work work) {
+  return fax::guarded(("DirectFaxPdeInterface - " + std::string(operation)).c_str(), failed, work);
+}
+
+void guard(char const *operation, auto work) {
+  guard(operation, NO, [&] {
+    work();
+    return YES;
+  });
+}
+
 std::optional<std::string_view> choice_text(NSDictionary *choices, char const *keyword) {
   char const *text = [[choices objectForKey:[NSString stringWithUTF8String:keyword]] UTF8String];
   if (text == nullptr) return std::nullopt;
@@ -107,6 +129,7 @@ std::optional<std::string_view> choice_text(NSDictionary *choices, char const *k
     end_service(service->second);
   }
   services_under_way().erase(self);
+  forget_target(directFaxView, self);
   [ppdFeatures release];
   [senderNameFieldFormatter release];
   [addressBookEditorPath release];
@@ -117,7 +140,7 @@ std::optional<std::string_view> choice_text(NSDictionary *choices, char const *k
   [super dealloc];
 }
 
-- (NSString *)panelName {
+- (NSString *)name {
   if (thePDEName != nil) return thePDEName;
   thePDEName = [@"Fax Settings" retain];
   if (ppd_group_t *group = fax::find_group(ppd, fax::kSettingsGroup)) {
@@ -127,7 +150,7 @@ std::optional<std::string_view> choice_text(NSDictionary *choices, char const *k
   return thePDEName;
 }
 
-- (NSView *)panelView {
+- (NSView *)loadedView {
   if (directFaxView != nil) return directFaxView;
   if (!load_nib(pluginBundle, @"MainPanel", self, &mainPanelTopLevelObjs)) return nil;
   [directFaxView setBundle:pluginBundle];
@@ -142,7 +165,7 @@ std::optional<std::string_view> choice_text(NSDictionary *choices, char const *k
   return directFaxView;
 }
 
-- (NSArray *)supportedPPDOptionKeys {
+- (NSArray *)keywords {
   NSMutableArray *keys = [NSMutableArray array];
   NSArray *inherited = [super supportedPPDOptionKeys];
   if (inherited != nil) [keys addObjectsFromArray:inherited];
@@ -181,12 +204,7 @@ std::optional<std::string_view> choice_text(NSDictionary *choices, char const *k
   if (getOSMinorVersion() >= 7) [addressBookButton setHidden:YES];
 }
 
-- (void)willShow {
-  [self updateUI];
-}
-
-- (BOOL)restoreValuesAndReturnError:(NSError **)error {
-  (void)error;
+- (void)restoreValues {
   NSEnumerator *features = [ppdFeatures objectEnumerator];
   while (PpdFeature *feature = [features nextObject]) {
     char const *keyword = [[feature keyword] cStringUsingEncoding:NSASCIIStringEncoding];
@@ -202,7 +220,6 @@ std::optional<std::string_view> choice_text(NSDictionary *choices, char const *k
     [self setSenderName:[name isKindOfClass:[NSString class]] && [name length] > 0 ? name : @""];
   }
   [self updateUI];
-  return YES;
 }
 
 - (void)popupDidChange:(NSPopUpButton *)popup {
@@ -223,7 +240,7 @@ std::optional<std::string_view> choice_text(NSDictionary *choices, char const *k
   [self updateUI];
 }
 
-- (IBAction)uiValueDidChange:(id)sender {
+- (void)controlDidChange:(id)sender {
   if ([sender isKindOfClass:[NSPopUpButton class]]) {
     [self popupDidChange:sender];
   } else if ([sender isKindOfClass:[NSTextField class]]) {
@@ -231,8 +248,7 @@ std::optional<std::string_view> choice_text(NSDictionary *choices, char const *k
   }
 }
 
-- (BOOL)saveValuesAndReturnError:(NSError **)error {
-  (void)error;
+- (BOOL)saveValues {
   if (senderNameTextField == nil) return YES;
   if (![self acceptsSenderNameField]) {
     [self showSenderName];
@@ -246,7 +262,7 @@ std::optional<std::string_view> choice_text(NSDictionary *choices, char const *k
   return YES;
 }
 
-- (NSDictionary *)summaryInfo {
+- (NSDictionary *)summary {
   NSMutableDictionary *summary = [NSMutableDictionary dictionary];
   NSMutableArray *order = [NSMutableArray array];
   NSEnumerator *features = [ppdFeatures objectEnumerator];
@@ -268,12 +284,6 @@ std::optional<std::string_view> choice_text(NSDictionary *choices, char const *k
   [self setSenderName:@""];
 }
 
-- (IBAction)setDefaults:(id)sender {
-  (void)sender;
-  [self setDefaultValue];
-  [self updateUI];
-}
-
 // YES when the job is known to go elsewhere than to the printer: to a file, to a preview.
 - (BOOL)goesElsewhere {
   PMPrintSession session = [pdePluginCallbackObject printSession];
@@ -283,7 +293,7 @@ std::optional<std::string_view> choice_text(NSDictionary *choices, char const *k
   return PMSessionGetDestinationType(session, settings, &type) == noErr && type != kPMDestinationPrinter;
 }
 
-- (BOOL)shouldPrint {
+- (BOOL)passesGate {
   if (senderNameTextField != nil && ![self acceptsSenderNameField]) {
     [self showSenderName];
     return NO;
@@ -302,11 +312,10 @@ std::optional<std::string_view> choice_text(NSDictionary *choices, char const *k
   return YES;
 }
 
-- (BOOL)shouldShowHelp {
+- (void)showHelp {
   NSString *identifier = [pluginBundle bundleIdentifier];
   GotoHelpPage(identifier != nil ? CFBundleGetBundleWithIdentifier((CFStringRef)identifier) : NULL,
                CFSTR("FaxSettings.htm"), NULL);
-  return NO;
 }
 
 - (BOOL)isRunning:(NSString *)identifier {
@@ -349,12 +358,8 @@ std::optional<std::string_view> choice_text(NSDictionary *choices, char const *k
 
 - (IBAction)launchAddressBook:(id)sender {
   (void)sender;
-  BOOL launched = NO;
-  try {
-    launched = [self launchEditor];
-  } catch (...) {
-    // A task that cannot be started raises; the alert tells the user as much.
-  }
+  // A task that cannot be started raises.
+  BOOL const launched = guard("launchAddressBook", NO, [&] { return [self launchEditor]; });
   if (!launched) fax::run_alert(pluginBundle, @"Address Book Editor not found.", nil, {@"OK"});
 }
 
@@ -404,7 +409,7 @@ std::optional<std::string_view> choice_text(NSDictionary *choices, char const *k
   end_service(service);
 }
 
-- (void)netServiceDidResolveAddress:(NSNetService *)service {
+- (void)takeAddressOf:(NSNetService *)service {
   NSEnumerator *addresses = [[service addresses] objectEnumerator];
   while (NSData *address = [addresses nextObject]) {
     fax::AddressText const found = fax::text_of_address(bytes_of(address));
@@ -415,10 +420,66 @@ std::optional<std::string_view> choice_text(NSDictionary *choices, char const *k
   [self endService:service];
 }
 
+- (void)netServiceDidResolveAddress:(NSNetService *)service {
+  guard("netServiceDidResolveAddress", [&] { [self takeAddressOf:service]; });
+}
+
 - (void)netService:(NSNetService *)service didNotResolve:(NSDictionary *)error {
   (void)error;
   NSLog(@"Failed to resolve the Bonjour service %@", [service name]);
   [self endService:service];
+}
+
+// What the host and its controls call.
+
+- (NSString *)panelName {
+  return guard("panelName", @"Fax Settings", [&] { return [self name]; });
+}
+
+- (NSView *)panelView {
+  return guard("panelView", nil, [&] { return [self loadedView]; });
+}
+
+- (NSArray *)supportedPPDOptionKeys {
+  return guard("supportedPPDOptionKeys", nil, [&] { return [self keywords]; });
+}
+
+- (void)willShow {
+  guard("willShow", [&] { [self updateUI]; });
+}
+
+- (BOOL)restoreValuesAndReturnError:(NSError **)error {
+  (void)error;
+  guard("restoreValuesAndReturnError", [&] { [self restoreValues]; });
+  return YES;
+}
+
+- (BOOL)saveValuesAndReturnError:(NSError **)error {
+  (void)error;
+  return guard("saveValuesAndReturnError", NO, [&] { return [self saveValues]; });
+}
+
+- (NSDictionary *)summaryInfo {
+  return guard("summaryInfo", nil, [&] { return [self summary]; });
+}
+
+- (BOOL)shouldPrint {
+  return guard("shouldPrint", NO, [&] { return [self passesGate]; });
+}
+
+- (BOOL)shouldShowHelp {
+  guard("shouldShowHelp", [&] { [self showHelp]; });
+  return NO;
+}
+
+- (IBAction)uiValueDidChange:(id)sender {
+  guard("uiValueDidChange", [&] { [self controlDidChange:sender]; });
+}
+
+- (IBAction)setDefaults:(id)sender {
+  (void)sender;
+  guard("setDefaults", [&] { [self setDefaultValue]; });
+  guard("setDefaults", [&] { [self updateUI]; });
 }
 
 @end

@@ -1,6 +1,7 @@
 #import "plugin/DirectFaxPdePlugin.h"
 
 #import "plugin/DirectFaxPdeInterface.h"
+#import "support/guarded.h"
 
 namespace {
 
@@ -19,7 +20,10 @@ NSString *const kPrintPanelType = @"BDB091F4-E57F-11D3-B5CC-0050E4603277";
 - (NSArray *)PDEPanelsForType:(NSString *)type withHostInfo:(id)host {
   NSMutableArray *panels = [NSMutableArray array];
   if (![type isEqualToString:kPrintPanelType]) return panels;
-  DirectFaxPdeInterface *panel = [[DirectFaxPdeInterface alloc] initWithCallback:host andBundle:theBundle];
+  NSBundle *const bundle = theBundle;
+  DirectFaxPdeInterface *panel = fax::guarded("DirectFaxPdePlugin - PDEPanelsForType", nil, [&] {
+    return [[DirectFaxPdeInterface alloc] initWithCallback:host andBundle:bundle];
+  });
   if (panel == nil) return nil;
   [panels addObject:panel];
   [panel release];

@@ -5,6 +5,7 @@
 #include "quoltanis/unicode.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <filesystem>
 #include <limits>
@@ -98,8 +99,11 @@ UInt32 written(std::size_t size, UInt32 index, void const *buffer, Write write) 
   });
 }
 
+// A caller's buffer may begin anywhere.
 template <typename Record>
 void write_individual(AddressData const &data, UInt32 index, void *buffer) {
+  if (reinterpret_cast<std::uintptr_t>(buffer) % alignof(Record) == 0)
+    return data.write(index, *static_cast<Record *>(buffer));
   Record record;
   data.write(index, record);
   std::memcpy(buffer, &record, sizeof record);

@@ -74,7 +74,7 @@ Status finish_connecting(int socket, Watchdog::Clock::time_point end) {
 
 std::string url_of(PrinterSettings const &settings, std::string const &address) {
   std::string host = settings.server_name.empty() ? address : settings.server_name;
-  host = host.substr(0, host.find('%'));
+  host.erase(std::min(host.find('%'), host.size()));
   if (host.find(':') != std::string::npos) host = "[" + host + "]";
   return "ldap://" + host + "/";
 }

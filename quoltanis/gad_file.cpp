@@ -1,6 +1,7 @@
 #include "quoltanis/gad_file.h"
 
 #include "quoltanis/gad_schema.h"
+#include "quoltanis/own_files.h"
 #include "quoltanis/sqlite.h"
 
 #include <fcntl.h>
@@ -65,6 +66,9 @@ Status configure(sqlite3 *database) {
       database,
       "PRAGMA cell_size_check = ON; PRAGMA mmap_size = 0; PRAGMA temp_store = MEMORY; PRAGMA synchronous = EXTRA");
 }
+
+// Who reads looks at each page once: the same few in turn cost less than a fresh one for each.
+Status keep_few_pages(sqlite3 *database) { return run(database, "PRAGMA cache_size = -256"); }
 
 // Exactly the tables of an address book, so that every rule they carry holds in the file too.
 Status check_schema(sqlite3 *database) {
@@ -279,7 +283,7 @@ Status open_database(std::string const &path, Owner &database) {
   // Read and write even for reading: what a killed program left half done can be undone only so. Where the file may not
   // be written SQLite opens it for reading.
   constexpr int mode = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
-  int const code = sqlite3_open_v2(path.c_str(), &opened, mode, nullptr);
+  int const code = sqlite3_open_v2(path.c_str(), &opened, mode, own_files_vfs());
   database.reset(opened);
   if (opened == nullptr) return Status::memory;
   return status_of(opened, code);
@@ -334,7 +338,7 @@ Status File::open(std::string const &given, Access access, File &file) {
       [&] { return configure(database.get()); },
       [&] { return check_schema(database.get()); },
       [&] {
-        if (access == Access::read) return Status::success;
+        if (access == Access::read) return keep_few_pages(database.get());
         return sqlite3_db_readonly(database.get(), "main") != 0 ? Status::read_only : check_structure(database.get());
       },
   });

@@ -49,6 +49,13 @@ void append(std::string &utf8, char32_t character) {
   }
 }
 
+// Writes what text begins with that is ASCII and not U+0000; how many characters.
+std::size_t fill_ascii(char16_t *field, std::string_view text) {
+  std::size_t at = 0;
+  for (; at < text.size() && static_cast<signed char>(text[at]) > 0; ++at) field[at] = static_cast<char16_t>(text[at]);
+  return at;
+}
+
 }  // namespace
 
 std::optional<std::string> utf8_of(std::u16string_view units) {
@@ -88,13 +95,11 @@ Filled fill_field(std::span<char16_t> field, std::string_view utf8) {
   std::size_t units = 0;
   bool valid = true;
   std::size_t const room = field.size() - 1;
-  while (!utf8.empty() && utf8.front() != '\0') {
-    if (static_cast<unsigned char>(utf8.front()) < 0x80) {
-      if (units == room) break;
-      field[units++] = static_cast<char16_t>(utf8.front());
-      utf8.remove_prefix(1);
-      continue;
-    }
+  while (true) {
+    std::size_t const ascii = fill_ascii(field.data() + units, utf8.substr(0, room - units));
+    units += ascii;
+    utf8.remove_prefix(ascii);
+    if (utf8.empty() || utf8.front() == '\0') break;
     auto const [character, length] = decode(utf8);
     std::size_t const needed = character >= 0x10000 ? 2 : 1;
     if (units + needed > room) break;

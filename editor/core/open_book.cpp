@@ -100,7 +100,7 @@ Outcome OpenBook::attempt(Step &step) {
 
 Outcome OpenBook::make(Step const &step) {
   Step made = step;
-  Outcome const outcome = attempt(made);
+  Outcome outcome = attempt(made);
   if (outcome.made()) steps_.done(std::move(made));
   return outcome;
 }

@@ -78,6 +78,7 @@ std::vector<std::uint32_t> groups_by_name(Contents const &contents) {
   for (Group const &group : contents.groups()) named.emplace_back(gad::fold(group.name), group.id);
   std::sort(named.begin(), named.end());
   std::vector<std::uint32_t> ids;
+  ids.reserve(named.size());
   for (auto const &[name, id] : named) ids.push_back(id);
   return ids;
 }

@@ -15,7 +15,7 @@ namespace {
 
 constexpr int kMostCopies = 9999;
 
-enum Long : int { kList = 256, kExtension, kTiming, kUiMap, kOutput, kTo, kTheme, kVersion, kNoStatus, kPages, kForget };
+enum Long : int { kList = 256, kExtension, kTiming, kUiMap, kOutput, kTo, kTheme, kScale, kAlert, kVersion, kNoStatus, kPages, kForget };
 
 constexpr option kLongOptions[] = {
     {"printer", required_argument, nullptr, 'd'},
@@ -33,6 +33,8 @@ constexpr option kLongOptions[] = {
     {"output", required_argument, nullptr, kOutput},
     {"to", required_argument, nullptr, kTo},
     {"theme", required_argument, nullptr, kTheme},
+    {"scale", required_argument, nullptr, kScale},
+    {"alert", no_argument, nullptr, kAlert},
     {"version", no_argument, nullptr, kVersion},
     {nullptr, 0, nullptr, 0},
 };
@@ -64,6 +66,16 @@ std::optional<int> number_of_copies(std::string const &argument) {
   if (error != std::errc() || end != argument.data() + argument.size() || copies < 1 || copies > kMostCopies)
     return std::nullopt;
   return copies;
+}
+
+// 0 for "auto".
+std::optional<double> scale_named(std::string const &argument) {
+  if (argument == "auto") return 0;
+  double scale = 0;
+  auto const [end, error] = std::from_chars(argument.data(), argument.data() + argument.size(), scale);
+  if (error != std::errc() || end != argument.data() + argument.size() || !(scale >= 1 && scale <= 4))
+    return std::nullopt;
+  return scale;
 }
 
 std::optional<Destination> destination_named(std::string const &name) {
@@ -120,9 +132,14 @@ constexpr OptionHelp kOptionHelp[] = {
                                     "the printer's PPD file names (*APDialogExtension)")},
     {"    --no-status", mark("end as soon as the job is submitted, without the window\n"
                              "that follows it")},
+    {"    --alert", mark("say in a window, too, why the dialog cannot be shown; for\n"
+                         "those who start it without a terminal")},
     //: "auto", "light" and "dark" are typed as they stand here.
     {"    --theme THEME", mark("auto, light or dark; auto, which holds without it, follows\n"
                                "the desktop")},
+    {"    --scale FACTOR", mark("size of the dialog, 1 to 4, such as 1.5; auto, which\n"
+                                "holds without it, is as large as the desktop has its\n"
+                                "text")},
     {"    --timing", mark("print to standard error how long each step took")},
     {"    --ui-map FILE", mark("write the positions of the dialog's controls to FILE")},
     {"    --forget", mark("forget printer, options and window size of the last use")},
@@ -244,6 +261,15 @@ Result<CommandLine> parse_command_line(std::vector<std::string> const &arguments
         if (argument != "auto" && argument != "light" && argument != "dark")
           return wrong(tr("{0} takes {1}, {2} or {3}, not \"{4}\".", "--theme", "auto", "light", "dark", argument));
         line.theme = argument;
+        break;
+      case kAlert:
+        line.alert = true;
+        break;
+      case kScale:
+        if (auto const scale = scale_named(argument))
+          line.scale = *scale;
+        else
+          return wrong(tr("{0} takes {1} or a number from 1 to 4, not \"{2}\".", "--scale", "auto", argument));
         break;
       case ':':
         return wrong(tr("{0} needs a value.", spelled(optopt)));

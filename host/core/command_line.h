@@ -23,10 +23,12 @@ struct CommandLine {
   std::optional<std::string> title;      // none: the document's
   std::optional<std::string> extension;  // path of a print dialog extension bundle; none: the PPD's
   bool timing = false;                   // print how long each step took
+  bool alert = false;                    // say in a window, too, why there is no dialog
   bool status = true;                    // follow the job in a window after Print
   std::optional<std::string> ui_map;     // file to write the positions of the dialog's controls to
   std::optional<std::string> output;     // file for Destination::file
   std::string theme = "auto";            // or "light", "dark"
+  double scale = 0;                      // --scale, 1..4; 0: as large as the desktop has it
   Destination destination = Destination::printer;
   std::string pages;                     // --pages as typed; "": all pages
   std::vector<std::string> files;        // paths of the documents, "-" for standard input; filled exactly to print

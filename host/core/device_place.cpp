@@ -75,10 +75,15 @@ bool is_plain_address(std::string const &host) {
   return inet_pton(AF_INET, host.c_str(), &bytes) == 1 || inet_pton(AF_INET6, host.c_str(), &bytes) == 1;
 }
 
+// CUPS lets text follow the brackets of an address; behind another host it would be read as part of that one.
+std::string path_of(UriParts const &parts) {
+  return parts.resource.starts_with('/') ? parts.resource : "/" + parts.resource;
+}
+
 std::string joined(std::string const &scheme, std::string const &host, UriParts const &parts) {
   std::string uri = scheme + "://" + host;
   if (parts.port > 0) uri += ":" + std::to_string(parts.port);
-  return uri + parts.resource;
+  return uri + path_of(parts);
 }
 
 // The scheme under which a panel knows a host of this one.
@@ -86,10 +91,14 @@ std::string panel_scheme(std::string const &scheme) { return is_ipp(scheme) ? "i
 
 DevicePlace place_of_service(std::string const &device_uri, UriParts const &parts, DevicePlace place) {
   place.route = Route::service;
-  place.panel_uri =
-      is_discovered(parts.scheme) ? device_uri : "dnssd://" + parts.host + parts.resource;
+  // CUPS finds the host behind a user's name that may hold anything; a panel would end it at "?" or "/".
+  bool const as_it_is = is_discovered(parts.scheme) && device_uri.starts_with(parts.scheme + "://" + parts.host);
+  place.panel_uri = as_it_is ? device_uri : "dnssd://" + parts.host + path_of(parts);
   auto const decoded = split(device_uri, HTTP_URI_CODING_HOSTNAME);
-  if (decoded && is_utf8(decoded->host) && is_service(decoded->host)) {
+  // What ends a host, or makes it none, for a panel but not for CUPS: in brackets it takes the first, the last anywhere.
+  bool const plain =
+      parts.host.find_first_of(":/?#@[]") == std::string::npos && parts.host.find("%00") == std::string::npos;
+  if (decoded && plain && is_utf8(decoded->host) && is_service(decoded->host)) {
     place.host = decoded->host;
   } else {
     place.route = Route::unreadable;
@@ -106,7 +115,9 @@ DevicePlace place_of_host(std::string const &device_uri, UriParts const &parts, 
   }
   place.route = Route::address;
   place.host = address->text;
-  bool const as_it_is = place.scheme == panel_scheme(place.scheme) && is_plain_address(parts.host);
+  // CUPS reads "//host" as "ipp://host"; a panel does not.
+  bool const as_it_is = place.scheme == panel_scheme(place.scheme) && device_uri.find(':') == place.scheme.size() &&
+                        parts.resource.starts_with('/') && is_plain_address(parts.host);
   place.panel_uri = as_it_is ? device_uri : with_address(device_uri, *address);
   return place;
 }

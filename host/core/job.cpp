@@ -4,6 +4,7 @@
 #include <array>
 #include <chrono>
 #include <set>
+#include <strings.h>
 
 #include "host/core/option_guard.h"
 #include "host/core/utf8.h"
@@ -54,6 +55,11 @@ Failure refusal(ipp_status_t status, std::string const &message, JobRequest cons
     default:
       return not_sent(tr("The print service refused the job: {0}.", message), tr(kTryAgain));
   }
+}
+
+// As CUPS compares them: of two keys that differ in letter case only, the filter sees the value of the later one.
+bool is_same_key(std::string const &one, std::string const &other) {
+  return strcasecmp(one.c_str(), other.c_str()) == 0;
 }
 
 ipp_status_t meaning_of(http_status_t status) {
@@ -224,13 +230,14 @@ private:
 std::vector<Setting> job_options(JobRequest const &request) {
   std::vector<Setting> joined;
   for (auto const *list : {&request.options, &request.choices, &request.settings}) {
-    for (auto const &[key, value] : *list) {
-      auto const found =
-          std::find_if(joined.begin(), joined.end(), [&](Setting const &earlier) { return earlier.key == key; });
+    for (auto const &setting : *list) {
+      Setting const sent{setting.key, guarded_value(setting.value)};
+      auto const found = std::find_if(joined.begin(), joined.end(),
+                                      [&](Setting const &earlier) { return is_same_key(earlier.key, sent.key); });
       if (found == joined.end())
-        joined.push_back({key, guarded_value(value)});
+        joined.push_back(sent);
       else
-        found->value = guarded_value(value);
+        *found = sent;
     }
   }
   return joined;
@@ -253,7 +260,8 @@ std::optional<Failure> check_request(JobRequest const &request) {
                       tr("Make it shorter."));
   }
   for (auto const &setting : request.queue_defaults)
-    if (std::none_of(options.begin(), options.end(), [&](Setting const &sent) { return sent.key == setting.key; }))
+    if (std::none_of(options.begin(), options.end(),
+                     [&](Setting const &sent) { return is_same_key(sent.key, setting.key); }))
       options.push_back(setting);
   std::size_t const total = total_option_bytes(options);
   if (total > kLargestOptions)

@@ -29,8 +29,8 @@ struct JobRequest {
 // Bytes given to the print service so far, and the document's size. False cancels the job. Must not throw.
 using Progress = std::function<bool(std::uint64_t done, std::uint64_t total)>;
 
-// The options as they go to CUPS: options, choices and settings joined, each key once (the last one of a key counts, at
-// the place of the first), values guarded (guarded_value).
+// The options as they go to CUPS: options, choices and settings joined, each key once without regard to letter case (the
+// last one of a key counts, at the place of the first), values guarded (guarded_value).
 std::vector<Setting> job_options(JobRequest const &request);
 
 // What can be known before anything is sent (ExitCode::submission): a key that is not safe, text that is not UTF-8 or

@@ -146,6 +146,14 @@ Result<Queue> choose_queue(std::vector<Queue> const &queues, std::optional<std::
                  tr("Choose one with {0}.", "--printer") + " " + names_to_offer(queues, "")};
 }
 
+Result<Queue> queue_to_begin_with(std::vector<Queue> const &queues, std::string const &last) {
+  if (auto used = choose_queue(queues, last)) return used;
+  auto usual = choose_queue(queues, std::nullopt);
+  if (usual || queues.empty()) return usual;
+  auto const faxes = std::find_if(queues.begin(), queues.end(), [](Queue const &queue) { return queue.fax_capable; });
+  return faxes != queues.end() ? *faxes : queues.front();
+}
+
 std::string queue_table(std::vector<Queue> const &queues) {
   if (queues.empty()) return tr("There are no print queues.") + " " + tr(kAddQueue) + "\n";
   std::size_t width = 0;

@@ -41,6 +41,10 @@ Result<std::vector<Queue>> list_queues(Server const &server);
 // there is no default among several.
 Result<Queue> choose_queue(std::vector<Queue> const &queues, std::optional<std::string> const &name);
 
+// The one to begin with when nobody has named one: the one used last, if there still is one of that name (last may be ""),
+// else what choose_queue answers, else the first that can fax, else the first. Failure (ExitCode::queue): there are none.
+Result<Queue> queue_to_begin_with(std::vector<Queue> const &queues, std::string const &last);
+
 // For --list: a line for each queue, name first, the default marked, fax queues marked, each line ended. Where there is
 // none, a sentence that says so.
 std::string queue_table(std::vector<Queue> const &queues);

@@ -1,5 +1,6 @@
 #include "host/core/utf8.h"
 
+#include <algorithm>
 #include <cstdint>
 
 namespace fax::host {
@@ -28,6 +29,19 @@ bool is_utf8(std::string_view text) {
     text.remove_prefix(length);
   }
   return true;
+}
+
+std::string valid_utf8(std::string_view text) {
+  std::string valid;
+  while (!text.empty()) {
+    std::size_t const length = utf8_length(text);
+    if (length == 0)
+      valid += "\uFFFD";
+    else
+      valid.append(text.substr(0, length));
+    text.remove_prefix(std::max<std::size_t>(length, 1));
+  }
+  return valid;
 }
 
 }  // namespace fax::host

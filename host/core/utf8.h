@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 namespace fax::host {
@@ -11,5 +12,8 @@ namespace fax::host {
 std::size_t utf8_length(std::string_view text);
 
 bool is_utf8(std::string_view text);
+
+// Text with U+FFFD in place of each byte that is no part of valid UTF-8.
+std::string valid_utf8(std::string_view text);
 
 }  // namespace fax::host

@@ -25,18 +25,58 @@ static bool IsDefault(NSCell *cell, NSView *view) {
          [[static_cast<NSButtonCell *>(cell) keyEquivalent] isEqualToString:@"\r"];
 }
 
-static void DrawPush(NSRect frame, bool enabled, bool pressed, bool accented, bool focused) {
+static bool IsPush(NSView *view) {
+  return [view isKindOfClass:[NSButton class]] && ![view isKindOfClass:[NSPopUpButton class]] &&
+         [static_cast<NSButton *>(view) isBordered] && ![view isHidden];
+}
+
+static NSButton *EscapeButton(NSView *view) {
+  if (IsPush(view) && [[static_cast<NSButton *>(view) keyEquivalent] isEqualToString:@"\e"])
+    return static_cast<NSButton *>(view);
+  NSArray *const parts = [view subviews];
+  for (NSUInteger at = 0; at < [parts count]; ++at) {
+    if (NSButton *found = EscapeButton([parts objectAtIndex:at])) return found;
+  }
+  return nil;
+}
+
+// What the window is there for: the last button of the row in which the one stands that leaves. nil without such a row.
+static NSButton *MainButton(NSWindow *window) {
+  NSButton *const leaves = EscapeButton([window contentView]);
+  NSButton *last = leaves;
+  NSArray *const row = [[leaves superview] subviews];
+  for (NSUInteger at = 0; at < [row count]; ++at) {
+    NSView *const other = [row objectAtIndex:at];
+    if (!IsPush(other) || std::abs(NSMidY([other frame]) - NSMidY([leaves frame])) > 4) continue;
+    if (NSMinX([other frame]) > NSMinX([last frame])) last = static_cast<NSButton *>(other);
+  }
+  return last != leaves ? last : nil;
+}
+
+enum class Accent { none, line, filled };
+
+// The main action is told by its colour; a button that Return presses without being it, by a line.
+static Accent AccentOf(NSCell *cell, NSView *view) {
+  if (!IsPush(view)) return Accent::none;
+  NSButton *const main = MainButton([view window]);
+  if (main == view) return Accent::filled;
+  if (!IsDefault(cell, view)) return Accent::none;
+  return main ? Accent::line : Accent::filled;
+}
+
+static void DrawPush(NSRect frame, bool enabled, bool pressed, Accent accent, bool focused) {
   Palette const &colours = current_palette();
   if (!enabled) {
     rounded(frame, kRadius, colours.disabled_button, colours.separator);
     return;
   }
-  if (accented) {
+  if (accent == Accent::filled) {
     rounded(frame, kRadius, pressed ? colours.pressed_accent : colours.accent);
     if (focused) outline(NSInsetRect(frame, 2, 2), kRadius - 2, colours.on_accent, 1.5);
     return;
   }
-  rounded(frame, kRadius, pressed ? colours.pressed : colours.button, colours.border);
+  rounded(frame, kRadius, pressed ? colours.pressed : colours.button,
+          accent == Accent::line ? colours.focus : colours.border);
   if (focused) outline(frame, kRadius, colours.focus, kFocusWidth);
 }
 
@@ -53,7 +93,7 @@ fax::Repair<NSRect(NSAttributedString *, NSRect, NSView *)> draw_title{
     "NSButtonCell", "drawTitle:withFrame:inView:",
     [](id self, SEL command, NSAttributedString *title, NSRect frame, NSView *view) -> NSRect {
       NSButtonCell *cell = self;
-      bool const accented = [cell isBordered] && [cell isEnabled] && IsDefault(cell, view);
+      bool const accented = [cell isEnabled] && AccentOf(cell, view) == Accent::filled;
       return draw_title(self, command, accented ? Recoloured(title, current_palette().on_accent) : title, frame, view);
     }};
 }  // namespace
@@ -73,7 +113,7 @@ fax::Repair<NSRect(NSAttributedString *, NSRect, NSView *)> draw_title{
              state:(GSThemeControlState)state {
   if (style == NSRoundedBezelStyle && NSHeight(frame) > kTallestPush)
     frame = NSInsetRect(frame, 4, (NSHeight(frame) - kTallestPush) / 2);
-  DrawPush(frame, [cell isEnabled], IsPressed(state), IsDefault(cell, view), has_focus(view));
+  DrawPush(frame, [cell isEnabled], IsPressed(state), AccentOf(cell, view), has_focus(view));
 }
 
 // Check boxes and radio buttons have no bezel that could show the focus; push buttons have shown it.

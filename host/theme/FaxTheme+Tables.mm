@@ -10,6 +10,7 @@
 using namespace fax::theme;
 
 static CGFloat const kRowAir = 4;
+static CGFloat const kCellIndent = 4;
 
 static void DrawHeader(NSRect frame, bool flipped) {
   Palette const &colours = current_palette();
@@ -36,6 +37,16 @@ fax::Repair<id(NSCoder *)> init_with_coder{"NSTableView", "initWithCoder:",
                                              [table setRowHeight:RowHeight(table)];
                                              return table;
                                            }};
+
+// Cells begin where their column's title does, and clear of the mark of a selected row.
+fax::Repair<NSRect(NSInteger, NSInteger)> frame_of_cell{
+    "NSTableView", "frameOfCellAtColumn:row:", [](id self, SEL command, NSInteger column, NSInteger row) -> NSRect {
+      NSRect cell = frame_of_cell(self, command, column, row);
+      if (NSWidth(cell) <= 4 * kCellIndent) return cell;
+      cell.origin.x += kCellIndent;
+      cell.size.width -= kCellIndent;
+      return cell;
+    }};
 }  // namespace
 
 @implementation FaxTheme (Tables)

@@ -5,13 +5,15 @@
 
 #include "host/theme/palette.h"
 #include "host/theme/preference.h"
+#include "host/theme/scale.h"
 
 namespace fax::theme {
 
 // In the place of [NSApplication sharedApplication], which it sends: the pictures that the toolkit looks for while it
 // starts have to be there before, and each one that it does not find costs a search of the disk. Once, on the main
-// thread, inside an autorelease pool; the scheme is decided here for the life of the process.
-void start_application(Choice choice);
+// thread, inside an autorelease pool; scheme and size are decided here for the life of the process. scale: how many pixels a
+// point is, 1 to kLargestScale; 0 for as many as the desktop has it.
+void start_application(Choice choice, double scale = 0);
 
 }  // namespace fax::theme
 

@@ -93,8 +93,61 @@ namespace fax::theme {
 
 Palette const &current_palette() { return palette(decided); }
 
-void start_application(Choice choice) {
-  decided = scheme_for(choice, this_desktop());
+namespace {
+
+double number_of_default(NSString *key) {
+  return [[NSUserDefaults standardUserDefaults] doubleForKey:key];
+}
+
+// Before any other default of the user, for this process only.
+void overrule_defaults(NSDictionary *values) {
+  NSUserDefaults *const defaults = [NSUserDefaults standardUserDefaults];
+  NSMutableDictionary *all = [NSMutableDictionary dictionary];
+  if (NSDictionary *own = [defaults volatileDomainForName:NSArgumentDomain]) [all addEntriesFromDictionary:own];
+  [all addEntriesFromDictionary:values];
+  [defaults removeVolatileDomainForName:NSArgumentDomain];
+  [defaults setVolatileDomain:all forName:NSArgumentDomain];
+}
+
+// Large text is a large scale: windows grow with their text, so that everything keeps its place in them.
+void use_scale(double asked, Desktop const &desktop) {
+  Sizes sizes = screen_sizes();
+  sizes.asked = asked;
+  sizes.toolkit_scale = number_of_default(@"GSScaleFactor");
+  sizes.toolkit_points = number_of_default(@"NSFontSize");
+  sizes.font_points = font_wish(desktop.font).points;
+  double const scale = scale_for(sizes);
+  NSMutableDictionary *values = [NSMutableDictionary dictionary];
+  [values setObject:[NSString stringWithFormat:@"%g", scale] forKey:@"GSScaleFactor"];
+  if (sizes.toolkit_points > 0) [values setObject:@"12" forKey:@"NSFontSize"];
+  // Letters stand where the font has them, not at whole points, which are more than pixels.
+  if (scale > 1) [values setObject:@"17" forKey:@"GSFontHinting"];
+  overrule_defaults(values);
+}
+
+// A family that the toolkit does not know, such as GTK's "Sans", leaves its own choice.
+NSString *font_of_family(NSString *family, NSFontTraitMask traits) {
+  NSFont *const font = [[NSFontManager sharedFontManager] fontWithFamily:family traits:traits weight:5 size:12];
+  return [[font familyName] isEqualToString:family] ? [font fontName] : nil;
+}
+
+void use_font(Desktop const &desktop) {
+  if ([[NSUserDefaults standardUserDefaults] stringForKey:@"NSFont"]) return;
+  NSString *const family = [NSString stringWithUTF8String:font_wish(desktop.font).family.c_str()];
+  if ([family length] == 0 || ![[[NSFontManager sharedFontManager] availableFontFamilies] containsObject:family]) return;
+  NSString *const plain = font_of_family(family, 0);
+  NSString *const bold = font_of_family(family, NSBoldFontMask);
+  if (!plain || !bold) return;
+  [[NSUserDefaults standardUserDefaults]
+      registerDefaults:[NSDictionary dictionaryWithObjectsAndKeys:plain, @"NSFont", bold, @"NSBoldFont", nil]];
+}
+
+}  // namespace
+
+void start_application(Choice choice, double scale) {
+  Desktop const desktop = this_desktop();
+  decided = scheme_for(choice, desktop);
+  use_scale(scale, desktop);
   // Scrollers stand on the right, where everybody looks for them, and tips are as large as other text.
   [[NSUserDefaults standardUserDefaults]
       registerDefaults:[NSDictionary dictionaryWithObjectsAndKeys:@"NSMacintoshInterfaceStyle",
@@ -105,6 +158,7 @@ void start_application(Choice choice) {
   [theme release];
   register_pictures(current_palette());
   [NSApplication sharedApplication];
+  use_font(desktop);
 }
 
 }  // namespace fax::theme

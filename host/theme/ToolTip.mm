@@ -18,7 +18,9 @@ static NSAttributedString *shown = nil;
 static NSRect RoomyFrame(NSWindow *window, NSRect proposed) {
   NSSize const text = [shown boundingRectWithSize:NSMakeSize(kWidest, 1e6)
                                           options:NSStringDrawingUsesLineFragmentOrigin].size;
-  NSSize const size = {std::ceil(text.width) + 2 * kPadding + 2, std::ceil(text.height) + 2 * kPadding};
+  CGFloat const scale = [window userSpaceScaleFactor];
+  NSSize const size = {std::ceil((text.width + 2 * kPadding + 2) * scale),
+                       std::ceil((text.height + 2 * kPadding) * scale)};
   NSRect const screen = [([window screen] ? [window screen] : [NSScreen mainScreen]) visibleFrame];
   CGFloat const left = std::min(NSMinX(proposed), NSMaxX(screen) - size.width);
   CGFloat const bottom = std::max(NSMaxY(proposed) - size.height, NSMinY(screen));

@@ -39,28 +39,30 @@ Connection session_bus() {
   return connection;
 }
 
-Message ask(DBusConnection *bus) {
+Message ask(DBusConnection *bus, char const *space, char const *key) {
   Message call(dbus_message_new_method_call("org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop",
                                             "org.freedesktop.portal.Settings", "Read"));
   if (!call) return nullptr;
-  char const *const space = "org.freedesktop.appearance";
-  char const *const key = "color-scheme";
   if (!dbus_message_append_args(call.get(), DBUS_TYPE_STRING, &space, DBUS_TYPE_STRING, &key, DBUS_TYPE_INVALID))
     return nullptr;
   dbus_message_set_auto_start(call.get(), FALSE);
   return Message(dbus_connection_send_with_reply_and_block(bus, call.get(), kPatience, nullptr));
 }
 
-// The number is wrapped in a variant, and that in another one.
-std::optional<Scheme> scheme_in(DBusMessage *answer) {
-  DBusMessageIter at;
-  if (!dbus_message_iter_init(answer, &at)) return std::nullopt;
+// The value is wrapped in a variant, and that in another one. True when there is one of that type.
+bool find_value(DBusMessage *answer, int type, DBusMessageIter &at) {
+  if (!dbus_message_iter_init(answer, &at)) return false;
   while (dbus_message_iter_get_arg_type(&at) == DBUS_TYPE_VARIANT) {
     DBusMessageIter inside;
     dbus_message_iter_recurse(&at, &inside);
     at = inside;
   }
-  if (dbus_message_iter_get_arg_type(&at) != DBUS_TYPE_UINT32) return std::nullopt;
+  return dbus_message_iter_get_arg_type(&at) == type;
+}
+
+std::optional<Scheme> scheme_in(DBusMessage *answer) {
+  DBusMessageIter at;
+  if (!find_value(answer, DBUS_TYPE_UINT32, at)) return std::nullopt;
   dbus_uint32_t number = 0;
   dbus_message_iter_get_basic(&at, &number);
   if (number == 1) return Scheme::dark;
@@ -68,14 +70,26 @@ std::optional<Scheme> scheme_in(DBusMessage *answer) {
   return std::nullopt;
 }
 
+std::string text_in(DBusMessage *answer) {
+  DBusMessageIter at;
+  if (!find_value(answer, DBUS_TYPE_STRING, at)) return {};
+  char const *text = "";
+  dbus_message_iter_get_basic(&at, &text);
+  return text;
+}
+
 }  // namespace
 
-std::optional<Scheme> scheme_of_portal() {
-  if (!there_is_a_bus()) return std::nullopt;
+PortalLooks looks_of_portal() {
+  PortalLooks looks;
+  if (!there_is_a_bus()) return looks;
   Connection const bus = session_bus();
-  if (!bus) return std::nullopt;
-  Message const answer = ask(bus.get());
-  return answer ? scheme_in(answer.get()) : std::nullopt;
+  if (!bus) return looks;
+  Message const scheme = ask(bus.get(), "org.freedesktop.appearance", "color-scheme");
+  if (!scheme) return looks;  // a portal that is silent once is not asked again
+  looks.scheme = scheme_in(scheme.get());
+  if (Message const font = ask(bus.get(), "org.gnome.desktop.interface", "font-name")) looks.font = text_in(font.get());
+  return looks;
 }
 
 }  // namespace fax::theme

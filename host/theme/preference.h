@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "host/theme/gtk_settings.h"
 #include "host/theme/palette.h"
 
 namespace fax::theme {
@@ -19,15 +20,16 @@ struct Desktop {
   std::string gtk_theme;               // GTK_THEME, such as "Adwaita:dark"
   std::optional<Scheme> portal;        // the desktop portal's color-scheme
   std::optional<Scheme> gtk_settings;  // of settings.ini
+  std::string font;                    // its font and the size in points, such as "Cantarell 11"
 };
 
 // The choice first, then the members of the desktop from above, and light when nobody says anything.
 Scheme scheme_for(Choice choice, Desktop const &desktop);
 
-// The text of GTK's settings.ini: gtk-application-prefer-dark-theme, else a gtk-theme-name that ends in "-dark".
-std::optional<Scheme> scheme_of_gtk_settings(std::string_view text);
+// gtk-application-prefer-dark-theme, else a gtk-theme-name that ends in "-dark".
+std::optional<Scheme> scheme_of_gtk_settings(GtkSettings const &settings);
 
-// Asks the session bus and reads files. Takes a third of a second at most: a portal that does not answer says nothing.
+// Asks the session bus and reads files. Takes two thirds of a second at most: a portal that does not answer says nothing.
 Desktop this_desktop();
 
 }  // namespace fax::theme

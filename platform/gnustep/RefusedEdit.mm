@@ -3,7 +3,9 @@
 // toolkit asks afterwards, when all have seen the bad text, and cannot take it back.
 #import <AppKit/AppKit.h>
 
+#include "platform/bridge.h"
 #include "platform/gnustep/repair.h"
+#include "platform/gnustep/whole_characters.h"
 
 #include <algorithm>
 
@@ -50,6 +52,10 @@ fax::Repair<BOOL(NSRange, NSString *)> should_change{
     "NSTextView", "shouldChangeTextInRange:replacementString:",
     [](id self, SEL command, NSRange range, NSString *replacement) -> BOOL {
       NSTextView *editor = self;
+      if (replacement != nil && !fax::is_whole(fax::to_units(replacement))) {
+        NSBeep();
+        return NO;
+      }
       NSFormatter *formatter = replacement != nil && [editor isEditable] ? formatter_of(editor) : nil;
       NSString *present = [editor string];
       if (formatter == nil || NSMaxRange(range) > [present length]) {

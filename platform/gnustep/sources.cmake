@@ -17,14 +17,18 @@ set(gnustep_sources
   gnustep/PopUpKeys.mm
   gnustep/PropertyLists.mm
   gnustep/RefusedEdit.mm
+  gnustep/ScaledWindow.mm
   gnustep/SubstituteFont.mm
   gnustep/TabKeys.mm
   gnustep/TabView.mm
   gnustep/TableColumn.mm
   gnustep/TableView.mm
   gnustep/TextKeys.mm
+  gnustep/WindowEnd.mm
   gnustep/WindowUpdate.mm
+  gnustep/WholeCharacters.mm
   gnustep/Workspace.mm
+  gnustep/XibCheck.mm
   gnustep/XibFont.mm
   gnustep/XibLabel.mm
   gnustep/avahi_answers.cpp

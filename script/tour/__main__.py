@@ -25,7 +25,7 @@ import sys
 from address_books import SCRIPTS, BookFile, PrinterBook
 from editor import Editor
 from fax import expected_ticket, send_one_fax
-from screen import Screen, TourError, differences, run, run_tour, wait_for
+from screen import Screen, TourError, differences, environment_of, run, run_tour, scale_of, wait_for
 
 
 def start_cups(services, arguments, work):
@@ -43,9 +43,18 @@ def end(program):
         program.wait()
 
 
+def make_documents(arguments, work):
+    """The folder that the dialog is started in, as somebody's folder looks."""
+    folder = os.path.join(work, "henry", "Documents")
+    os.makedirs(folder)
+    for name in ("Letter to the school.pdf", "Order.pdf", "Price list.pdf"):
+        shutil.copy(arguments.file, os.path.join(folder, name))
+    return folder
+
+
 def use_dialog(arguments, map_file, program, editor, book):
     """Answers the screen when the print dialog has ended well."""
-    screen = Screen(map_file, arguments.pictures, program)
+    screen = Screen(map_file, arguments.pictures, program, arguments.texts, scale_of(arguments))
     try:
         send_one_fax(screen, editor, book)
         code = program.wait(timeout=30)
@@ -89,10 +98,10 @@ def tour(arguments, work):
         services.callback(printer_book.stop)
         output = services.enter_context(open(os.path.join(work, "faxprint.log"), "w+", encoding="utf-8"))
         program = subprocess.Popen(
-            [os.path.join(arguments.build, "faxprint.app", "faxprint"), "--ui-map", map_file, arguments.file],
-            env={**os.environ, **book.environment(), **printer_book.environment(), "CUPS_SERVER": cups_address,
+            [os.path.join(os.path.abspath(arguments.build), "faxprint.app", "faxprint"), "--ui-map", map_file, os.path.abspath(arguments.file)],
+            env={**environment_of(arguments), **book.environment(), **printer_book.environment(), "CUPS_SERVER": cups_address,
                  "DIRECTFAX_EDITOR_RECORDS": editor.records},
-            stdin=subprocess.DEVNULL, stdout=output, stderr=output)
+            cwd=make_documents(arguments, work), stdin=subprocess.DEVNULL, stdout=output, stderr=output)
         services.callback(end, program)
         try:
             screen = use_dialog(arguments, map_file, program, editor, book)

@@ -27,8 +27,7 @@ PASSWORD_FIELD = "Access Code"
 
 def set_up_panel(screen, editor):
     """In the print dialog; answers its title."""
-    panel = wait_for("the print dialog", lambda: next(
-        (w["title"] for w in screen.windows() if any("Print" == c["title"] for c in w["controls"])), None))
+    panel = wait_for("the print dialog", lambda: screen.window_with("Print"))
     screen.picture("print-dialog")
     for _, label, item, _ in CHOICES:
         screen.choose(panel, label, item)
@@ -38,8 +37,17 @@ def set_up_panel(screen, editor):
         screen.choose(panel, "Options", item)
         if item != PANEL:
             screen.picture(item.lower().replace(" ", "-"))
+    look_for_a_document(screen, panel)
     open_editor(screen, panel, editor)
     return panel
+
+
+def look_for_a_document(screen, panel):
+    screen.press(panel, "Add Document\u2026")
+    screen.go_to("Add Document")
+    screen.picture("add-document")
+    screen.keys("Escape")
+    screen.wait_closed("Add Document")
 
 
 def type_recipients(screen):
@@ -67,6 +75,11 @@ def read_help(screen):
     screen.wait_closed(page)
 
 
+def told_in(screen):
+    """The title of the window that follows the job."""
+    return wait_for("the window of the job", lambda: screen.window_with("Cancel Job"))
+
+
 def send_one_fax(screen, editor, book):
     """From the first window to the last."""
     panel = set_up_panel(screen, editor)
@@ -85,7 +98,8 @@ def send_one_fax(screen, editor, book):
     screen.press(FAX_DIALOG, "Start")
 
     told = wait_for("the message that the job was handed over", lambda: next(
-        (c for w in screen.windows() for c in w["controls"] if c["title"] == "OK" and c["enabled"]), None))
+        (c for w in screen.windows() for c in w["controls"] if screen.texts.says(c["title"], "OK") and c["enabled"]), None))
+    screen.control(told_in(screen), "Cancel Job", enabled=False)
     screen.picture("handed-over")
     screen.click(told["frame"])
 

@@ -149,7 +149,7 @@ INSTANTIATE_TEST_SUITE_P(
                     MembersCase{"none", {}, {0, 1, 2, 3, 4, 5}, {}, true}),
     [](auto const &info) { return std::string(info.param.name); });
 
-TEST_F(AddressBookTest, SortsManyRowsAsAPlainSortWould) {
+TEST_F(AddressBookTest, SortsAndFindsManyRowsAsPlainWaysWould) {
   std::mt19937 random(4);
   std::vector<std::pair<std::u16string, std::uint16_t>> plain;
   for (std::uint16_t at = 0; at < 3000; ++at) {
@@ -161,9 +161,13 @@ TEST_F(AddressBookTest, SortsManyRowsAsAPlainSortWould) {
   std::stable_sort(plain.begin(), plain.end(), [](auto const &l, auto const &r) { return l.first > r.first; });
   book.sort(fold);
   for (RowNumber row = 0; row < book.size(); ++row) ASSERT_EQ(book.entry(row).id, plain[row].second) << row;
-  std::size_t expected = 0;
-  for (auto const &[name, id] : plain) expected += name.find(u"abba") != name.npos;
-  EXPECT_EQ(book.rows_named(u"ABBA", fold).size(), expected);
+  for (std::u16string_view const text : {u"a", u"ab", u"aba", u"bbbb", u"abbabaab", u"bababababababa"}) {
+    std::vector<RowNumber> expected;
+    for (RowNumber row = 0; row < plain.size(); ++row) {
+      if (plain[row].first.find(text) != text.npos) expected.push_back(row);
+    }
+    EXPECT_EQ(book.rows_named(text, fold), expected) << ascii(text);
+  }
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #import <PrintCore/PDEPluginInterface.h>
 
 #include <functional>
+#include <objc/runtime.h>
 #include <string>
 #include <vector>
 
@@ -77,6 +78,14 @@ Class class_named(char const *short_name);
 
 inline std::string utf8(NSString *text) { return text != nil ? [text UTF8String] : "(nil)"; }
 inline NSString *ns(std::string const &text) { return [NSString stringWithUTF8String:text.c_str()]; }
+
+// Puts body in the place of an instance method and gives the body that was there.
+template <typename Body> Body replace(Class owner, SEL selector, Body body) {
+  using Untyped = void (*)();
+  IMP const old = method_setImplementation(class_getInstanceMethod(owner, selector),
+                                           reinterpret_cast<IMP>(reinterpret_cast<Untyped>(body)));
+  return reinterpret_cast<Body>(reinterpret_cast<Untyped>(old));
+}
 
 // A PPD that lives as long as the object: one group "QXFaxSettings" with the four options, and lines of the test's own.
 class Ppd {

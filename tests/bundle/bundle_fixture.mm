@@ -2,7 +2,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <objc/runtime.h>
 #include <unistd.h>
 
 namespace {
@@ -14,14 +13,6 @@ std::function<void()> the_modal_work;
 
 // Bodies that stand in for the toolkit's while a test runs.
 NSInteger (*own_run_modal_for_window)(NSApplication *, SEL, NSWindow *);
-
-// Puts body in the place of an instance method and gives the body that was there.
-template <typename Body> Body replace(Class owner, SEL selector, Body body) {
-  using Untyped = void (*)();
-  IMP const old = method_setImplementation(class_getInstanceMethod(owner, selector),
-                                           reinterpret_cast<IMP>(reinterpret_cast<Untyped>(body)));
-  return reinterpret_cast<Body>(reinterpret_cast<Untyped>(old));
-}
 
 NSInteger run_alert(NSAlert *alert, SEL) {
   NSString *informative = [alert informativeText];
@@ -50,8 +41,8 @@ void stand_in() {
   static bool done = false;
   if (done) return;
   done = true;
-  replace([NSAlert class], @selector(runModal), &run_alert);
-  own_run_modal_for_window = replace([NSApplication class], @selector(runModalForWindow:), &run_window);
+  test::replace([NSAlert class], @selector(runModal), &run_alert);
+  own_run_modal_for_window = test::replace([NSApplication class], @selector(runModalForWindow:), &run_window);
 }
 
 char const kPpdHead[] = R"ppd(*PPD-Adobe: "4.3"

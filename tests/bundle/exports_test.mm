@@ -1,6 +1,10 @@
 #import "bundle_fixture.h"
 
+#include <cstdio>
 #include <dlfcn.h>
+#include <memory>
+#include <objc/runtime.h>
+#include <set>
 
 namespace {
 
@@ -9,17 +13,36 @@ void *module() {
   return dlopen(BUNDLE_PATH "/DirectFax", RTLD_NOW | RTLD_NOLOAD);
 }
 
-TEST(Exports, EveryContractNameIsFoundAndNothingElseIs) {
-  ASSERT_NE(module(), nullptr) << dlerror();
-  for (char const *name :
-       {"XspEncrypt", "XspBinToB64", "XspB64ToBin", "CreateEncryptedString", "CreateDecryptedString",
-        "GetEncodingInfoFromPPD", "CopyEncodedString", "CopyDecodedString", "unicharLength", "ppdFindAttr_ALT",
-        "CopyPPDAttribute", "CopyResolvedIPAddress", "getOSMinorVersion", "Gestalt_ALT", "RegisterHelpBook",
-        "GotoHelpPage", "GotoHelpPage2_105", "GotoHelpPage2_106", "IsUserAdmin", "CheckUserGroups",
-        "SUPPORTED_KEYWORDS"})
-    EXPECT_NE(dlsym(module(), name), nullptr) << name;
-  for (char const *name : {"xspkey", "_ZN3fax12settings_keyB5cxx11EPKcm", "directFaxPPDDict"})
-    EXPECT_EQ(dlsym(module(), name), nullptr) << name;
+TEST(Exports, TheFileExportsTheContractNamesAndNothingElse) {
+  std::set<std::string> exported;
+  std::unique_ptr<FILE, int (*)(FILE *)> const list(popen("nm -D --defined-only '" BUNDLE_PATH "/DirectFax'", "r"), pclose);
+  char name[1000];
+  while (std::fscanf(list.get(), "%*s %*s %999s", name) == 1) exported.insert(name);
+  EXPECT_EQ(exported,
+            (std::set<std::string>{
+                "XspEncrypt", "XspBinToB64", "XspB64ToBin", "CreateEncryptedString", "CreateDecryptedString",
+                "GetEncodingInfoFromPPD", "CopyEncodedString", "CopyDecodedString", "unicharLength", "ppdFindAttr_ALT",
+                "CopyPPDAttribute", "CopyResolvedIPAddress", "getOSMinorVersion", "Gestalt_ALT", "RegisterHelpBook",
+                "GotoHelpPage", "GotoHelpPage2_105", "GotoHelpPage2_106", "IsUserAdmin", "CheckUserGroups",
+                "SUPPORTED_KEYWORDS"}));
+}
+
+TEST(Exports, EveryClassOfTheFileBearsThePrefix) {
+  test::bundle();
+  int const count = objc_getClassList(nullptr, 0);
+  auto const classes = std::make_unique<Class[]>(static_cast<std::size_t>(count));
+  objc_getClassList(classes.get(), count);
+  int own = 0;
+  for (int at = 0; at < count; ++at) {
+    Class const each = classes[static_cast<std::size_t>(at)];
+    Dl_info place{};
+    if (dladdr(reinterpret_cast<void const *>(each), &place) == 0 || !std::string(place.dli_fname).ends_with("/DirectFax"))
+      continue;
+    ++own;
+    EXPECT_TRUE(std::string(class_getName(each)).starts_with("com_norvalt_tk_o_pde_vexolinddirectfax_"))
+        << class_getName(each);
+  }
+  EXPECT_GE(own, 15);
 }
 
 TEST(Exports, TheKeywordListEndsWithNull) {

@@ -255,6 +255,17 @@ TEST_F(PanelTest, AnEditorThatIsNotInstalledIsTold) {
 
 class NewerSystem : public PanelTest {};
 
+TEST_F(PanelTest, AControlThatOutlivesThePanelCallsNobody) {
+  NSAutoreleasePool *pool = [NSAutoreleasePool new];
+  id panel = this->panel();
+  NSArray *kept = [[NSArray alloc] initWithObjects:control(panel, @"imageQualityPopup"), control(panel, @"senderModePopup"),
+                                                   control(panel, @"defaultsButton"), nil];
+  EXPECT_EQ([[kept objectAtIndex:0] target], panel);
+  [pool release];
+  for (NSUInteger at = 0; at < [kept count]; ++at) EXPECT_EQ([[kept objectAtIndex:at] target], nil);
+  [kept release];
+}
+
 TEST_F(NewerSystem, HidesTheAddressBookButton) {
   if (std::getenv("DIRECTFAX_TEST_KERNEL") == nullptr)
     GTEST_SKIP() << "runs as a program of its own, with a newer system";

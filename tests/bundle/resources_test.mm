@@ -4,7 +4,6 @@
 #include "platform/languages.h"
 #include "texts_in_sources.h"
 
-#include <filesystem>
 #include <map>
 #include <regex>
 #include <set>
@@ -144,20 +143,6 @@ TEST_F(NibTest, TheKeyboardWalksTheDialogInReadingOrder) {
             "NSSecureTextField NSButton NSTextField NSButton NSButton NSButton ");
   EXPECT_EQ(view, [controller valueForKey:@"addressNameTextField"]) << "and round again";
   [controller stopSending:nil];
-}
-
-TEST(Resources, EveryLinkOfTheHelpBookLeadsToAFile) {
-  NSString *folder = [[test::bundle() infoDictionary] objectForKey:@"CFBundleHelpBookFolder"];
-  std::filesystem::path const book =
-      std::filesystem::path(utf8([test::bundle() resourcePath])) / "English.lproj" / utf8(folder);
-  std::set<std::string> pages{"index.htm", "FaxSettings.htm", "FaxTransmission.htm", "Recipients.htm"};
-  std::regex const link("(?:href|src)=\"([^\"#:]+)[^\"]*\"");
-  for (auto const &page : pages) {
-    std::string const source = test::contents_of(book / page);
-    EXPECT_NE(source, "") << page;
-    for (std::sregex_iterator it(source.begin(), source.end(), link), end; it != end; ++it)
-      EXPECT_TRUE(std::filesystem::exists(book / std::string((*it)[1]))) << page << ": " << (*it)[1];
-  }
 }
 
 }  // namespace

@@ -1,83 +1,21 @@
 // The filter as CUPS runs it: a program with its job in the arguments.
-#include "fax_job.h"
+#include "cups_options.h"
+#include "filter_fixture.h"
 
 #include <chrono>
-#include <fcntl.h>
-#include <functional>
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 #include <signal.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
 #include <thread>
 #include <vector>
 
 namespace fax {
 namespace {
 
-// Options as one argument, quoted as CUPS quotes them.
-std::string option_argument(JobOptions const &options) {
-  std::string text;
-  for (auto const &[name, value] : options) {
-    text += name + "=";
-    for (char c : value) {
-      if (std::string_view{" \t\n\\\"'"}.find(c) != std::string_view::npos) text += '\\';
-      text += c;
-    }
-    text += ' ';
-  }
-  return text;
-}
-
-struct Ended {
-  int code = -1;  // exit code, or -signal
-  std::string output, messages;
-  long most_memory = 0;  // kB
-};
-
-class Filter : public testing::Test {
- protected:
-  // Arguments after the program's name. `during` runs while the filter does and gets its process number.
-  Ended run(std::vector<std::string> const &arguments, std::string const &input_path,
-            std::function<void(pid_t)> const &during = {}) {
-    auto const out_path = folder_.path() / "stdout", messages_path = folder_.path() / "stderr";
-    std::vector<std::string> words{FILTER};
-    words.insert(words.end(), arguments.begin(), arguments.end());
-    std::vector<char *> argv;
-    for (auto &word : words) argv.push_back(word.data());
-    argv.push_back(nullptr);
-
-    pid_t const child = ::fork();
-    if (child == 0) {
-      ::setenv("PPD", PPD, 1);
-      ::setenv("DIRECTFAX_TICKETS", tickets().c_str(), 1);
-      // Opened both ways so that a FIFO does not wait for its other end, nor see one.
-      int const in = ::open(input_path.c_str(), during ? O_RDWR : O_RDONLY);
-      int const out = ::open(out_path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-      int const messages = ::open(messages_path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-      ::dup2(in, 0);
-      ::dup2(out, 1);
-      ::dup2(messages, 2);
-      ::execv(argv[0], argv.data());
-      ::_exit(126);
-    }
-    if (during) during(child);
-    int status = 0;
-    rusage usage{};
-    ::wait4(child, &status, 0, &usage);
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status), test::contents(out_path),
-            test::contents(messages_path), usage.ru_maxrss};
-  }
-
-  std::filesystem::path tickets() const { return folder_.path() / "tickets"; }
-
-  void SetUp() override { std::filesystem::create_directory(tickets()); }
-
-  test::Folder folder_;
-};
+class Filter : public test::FilterTest {};
 
 TEST_F(Filter, leaves_ticket_and_document_and_hands_the_document_on) {
-  auto const ended = run({"12", "anna", "Letter", "1", option_argument(test::good_options())}, SAMPLE);
+  auto const ended = run({"12", "anna", "Letter", "1", test::option_argument(test::good_options())}, SAMPLE);
   EXPECT_EQ(ended.code, 0);
   EXPECT_THAT(ended.messages, testing::HasSubstr("INFO: "));
   EXPECT_TRUE(ended.output == test::contents(SAMPLE));
@@ -89,7 +27,7 @@ TEST_F(Filter, leaves_ticket_and_document_and_hands_the_document_on) {
 }
 
 TEST_F(Filter, reads_the_document_from_a_file_argument) {
-  auto const ended = run({"3", "anna", "Letter", "1", option_argument(test::good_options()), SAMPLE}, "/dev/null");
+  auto const ended = run({"3", "anna", "Letter", "1", test::option_argument(test::good_options()), SAMPLE}, "/dev/null");
   EXPECT_EQ(ended.code, 0);
   EXPECT_TRUE(test::contents(tickets() / "job-3.pdf") == test::contents(SAMPLE));
 }
@@ -103,11 +41,11 @@ TEST_F(Filter, writes_nothing_for_a_job_that_cannot_be_faxed) {
     char const *input;
     char const *message;
   } const rows[] = {
-      {"no destination", {"1", "u", "t", "1", option_argument(no_destination)}, SAMPLE, "DFaxDestinationNumber"},
+      {"no destination", {"1", "u", "t", "1", test::option_argument(no_destination)}, SAMPLE, "DFaxDestinationNumber"},
       {"no options", {"1", "u", "t", "1", ""}, SAMPLE, "Fax Settings"},
       {"unparsable options", {"1", "u", "t", "1", "{{{ \"' = \\"}, SAMPLE, "Fax Settings"},
-      {"empty document", {"1", "u", "t", "1", option_argument(test::good_options())}, "/dev/null", "empty"},
-      {"no such file", {"1", "u", "t", "1", option_argument(test::good_options()), "/nowhere"}, SAMPLE, "/nowhere"},
+      {"empty document", {"1", "u", "t", "1", test::option_argument(test::good_options())}, "/dev/null", "empty"},
+      {"no such file", {"1", "u", "t", "1", test::option_argument(test::good_options()), "/nowhere"}, SAMPLE, "/nowhere"},
       {"too few arguments", {"1", "u"}, SAMPLE, "Usage"},
   };
   for (auto const &row : rows) {
@@ -123,7 +61,7 @@ TEST_F(Filter, writes_nothing_for_a_job_that_cannot_be_faxed) {
 
 TEST_F(Filter, says_when_the_ticket_folder_is_not_there) {
   std::filesystem::remove(tickets());
-  auto const ended = run({"1", "u", "t", "1", option_argument(test::good_options())}, SAMPLE);
+  auto const ended = run({"1", "u", "t", "1", test::option_argument(test::good_options())}, SAMPLE);
   EXPECT_EQ(ended.code, 1);
   EXPECT_THAT(ended.messages, testing::HasSubstr(tickets().string()));
 }
@@ -133,7 +71,7 @@ TEST_F(Filter, holds_little_of_a_large_document) {
   std::ofstream{large} << "%PDF-1.4\n";
   auto const run_with = [&](std::uintmax_t size) {
     std::filesystem::resize_file(large, size);
-    auto const ended = run({"1", "u", "t", "1", option_argument(test::good_options())}, large);
+    auto const ended = run({"1", "u", "t", "1", test::option_argument(test::good_options())}, large);
     EXPECT_EQ(ended.code, 0);
     EXPECT_EQ(std::filesystem::file_size(tickets() / "job-1.pdf"), size);
     return ended.most_memory;
@@ -146,7 +84,7 @@ TEST_F(Filter, leaves_nothing_when_the_job_is_cancelled) {
   auto const fifo = folder_.path() / "fifo";
   ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
   auto const ended =
-      run({"1", "u", "t", "1", option_argument(test::good_options())}, fifo, [&](pid_t filter) {
+      run({"1", "u", "t", "1", test::option_argument(test::good_options())}, fifo, [&](pid_t filter) {
         using namespace std::chrono_literals;
         for (int i = 0; i < 1000 && std::filesystem::is_empty(tickets()); ++i) std::this_thread::sleep_for(10ms);
         EXPECT_FALSE(std::filesystem::is_empty(tickets())) << "the filter has not begun";

@@ -157,6 +157,34 @@ TEST_F(TextFieldTest, RefusedDeletionChangesNothing) {
   EXPECT_EQ(text(panel->title), "123");
 }
 
+TEST_F(TextFieldTest, ACharacterOfTwoHalvesIsOne) {
+  NSString *const face = @"\U0001F600";
+  unichar const half = [face characterAtIndex:0];
+  [editor() insertText:[NSString stringWithFormat:@"a%@b", face]];
+  [editor() insertText:[NSString stringWithCharacters:&half length:1]];
+  EXPECT_EQ(text([editor() string]), "a\U0001F600b") << "half a character is none";
+  struct {
+    unichar key;
+    char const *selection, *left;
+  } const steps[] = {
+      {NSLeftArrowFunctionKey, "{location=3, length=0}", "a\U0001F600b"},
+      {NSLeftArrowFunctionKey, "{location=1, length=0}", "a\U0001F600b"},
+      {NSRightArrowFunctionKey, "{location=3, length=0}", "a\U0001F600b"},
+      {0x7f, "{location=1, length=0}", "ab"},
+  };
+  for (auto const &step : steps) {
+    press(panel->window, step.key);
+    EXPECT_EQ(selection(), step.selection);
+    EXPECT_EQ(text(panel->title), step.left);
+  }
+  [editor() insertText:face];
+  [editor() setSelectedRange:NSMakeRange(0, 2)];
+  EXPECT_EQ(selection(), "{location=0, length=3}") << "not cut";
+  [editor() setSelectedRange:NSMakeRange(1, 0)];
+  [editor() deleteForward:nil];
+  EXPECT_EQ(text(panel->title), "ab");
+}
+
 TEST_F(TextFieldTest, SubstituteIsUsed) {
   check_digits(YES);
   type(panel->window, "1a");

@@ -65,8 +65,11 @@ public:
       int const end = at + 1 + bytes[at];
       int id = 0;
       while (++at < end && at < size) id = id << 8 | bytes[at];
+      operation_ = end < size ? bytes[end] : 0;
       return id;
     }
+    // Of the last request: 0x60 bind, 0x63 search.
+    int operation() const { return operation_; }
     // Whether all of it went out.
     bool send(std::string_view bytes) const {
       while (!bytes.empty()) {
@@ -94,6 +97,7 @@ public:
       return false;
     }
     int socket_;
+    mutable int operation_ = 0;
     std::atomic<bool> const &over_;
   };
 

@@ -9,6 +9,7 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 
+#include <numeric>
 #include <set>
 
 namespace fax::gad {
@@ -84,6 +85,31 @@ TEST_F(ForeignFileTest, FilesThatAreNoAddressBook) {
   expect_refused(std::string("/x\0y", 4), Status::argument, Status::argument, "a zero in the path");
   EXPECT_EQ(File::create(path), Status::file_exists);
   EXPECT_EQ(contents(path), good);
+}
+
+// SQLite would undo this journal, which says nothing, and delete the file that it names.
+TEST_F(ForeignFileTest, AJournalThatNamesAnotherFile) {
+  make(20);
+  std::string const precious = folder + "/precious.txt", journal = path + "-journal", good = contents(path);
+  auto const number = [](std::uint32_t value) {
+    return std::string{char(value >> 24), char(value >> 16), char(value >> 8), char(value)};
+  };
+  std::uint32_t const page = 4096, sum = std::accumulate(precious.begin(), precious.end(), 0u);
+  std::string const mark = "\xd9\xd5\x05\xf9\x20\xa1\x63\xd7";
+  std::string bytes =
+      mark + number(0) + number(1) + number(static_cast<std::uint32_t>(good.size() / page)) + number(512) + number(page);
+  bytes.resize(512);
+  bytes += number(0x40000000 / page + 1) + precious + number(static_cast<std::uint32_t>(precious.size())) + number(sum) +
+           mark;
+  put(precious, "precious");
+  put(journal, bytes);
+  EXPECT_EQ(read_book(path).status, Status::damaged);
+  EXPECT_EQ(add_someone(path), Status::damaged);
+  EXPECT_EQ(contents(precious), "precious");
+  EXPECT_EQ(contents(path), good);
+  EXPECT_EQ(contents(journal), bytes);
+  std::filesystem::remove(journal);
+  EXPECT_EQ(read_book(path).people.size(), 20u);
 }
 
 TEST_F(ForeignFileTest, TruncatedAnywhere) {

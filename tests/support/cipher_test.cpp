@@ -249,6 +249,9 @@ DecodeCase const kDecodeCases[] = {
     {"nul_begins_group", "QUJD\0UJD"s, 6, 0, 6, "ABC\xFD\x42\x43"},
     {"outside_the_alphabet", "-UJD", 3, 0, 3, "\xFD\x42\x43"},
     {"high_bytes", "\x80\xFF\xC3\xA9", 3, 0, 3, "\xFF\xFF\xFF"},
+    // So much padding that the room for what is left of it ends inside a group.
+    {"padding_takes_room", "QUJDREVG====", 5, 0, 5, "ABCDE"},
+    {"padding_takes_a_group", "QUJDREVG========", 4, 0, 4, "ABCD"},
 };
 INSTANTIATE_TEST_SUITE_P(Table, Decode, testing::ValuesIn(kDecodeCases),
                          [](auto const &i) { return std::string(i.param.name); });
@@ -264,6 +267,24 @@ TEST(Decode, ReadsOnToTheNulAndKeepsToItsRoom) {
   EXPECT_EQ(XspB64ToBin(in, 4, tight.data(), &length, 4), 0);
   EXPECT_EQ(length, 4u);
   EXPECT_EQ(tight, bytes_of("ABCD"));
+}
+
+// Groups that stand without anything between them are taken a whole one at a time; white space after each character
+// keeps them from it.
+TEST(Decode, WhiteSpaceChangesNothing) {
+  std::mt19937 generator(8);
+  for (int round = 0; round < 3000; ++round) {
+    SCOPED_TRACE(round);
+    Bytes plain(4 * (1 + generator() % 40)), spaced;
+    for (uint8_t &character : plain) character = static_cast<uint8_t>(B64CHR[generator() % 64]);
+    std::size_t const stranger = generator() % (2 * plain.size());
+    if (stranger < plain.size()) plain[stranger] = static_cast<uint8_t>("=-\x80\n"[generator() % 4]);
+    for (uint8_t const character : plain) spaced.insert(spaced.end(), {character, ' ', '\n', '\t'});
+    Result const fast = run(XspB64ToBin, plain, 120), slow = run(XspB64ToBin, spaced, 480);
+    ASSERT_EQ(fast.code, 0);
+    ASSERT_EQ(slow.code, 0);
+    EXPECT_EQ(text_of(fast), text_of(slow));
+  }
 }
 
 TEST(Decode, AnyBytesKeepToTheBuffers) {

@@ -17,7 +17,7 @@ sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."
 sys.dont_write_bytecode = True
 from address_books import FAX_DIALOG, SCRIPTS  # noqa: E402
 from fax import CHOICES  # noqa: E402
-from screen import Screen, TourError, differences, run, run_tour, wait_for  # noqa: E402
+from screen import Screen, TourError, differences, environment_of, run, run_tour, wait_for  # noqa: E402
 
 PAGE = "the page"
 MAP_PERIOD = 0.2  # seconds; the dialog writes its map ten times a second
@@ -260,8 +260,7 @@ def answer_alert(screen, below):
 
 
 def send_one_fax(screen):
-    panel = wait_for("the print dialog", lambda: next(
-        (w["title"] for w in screen.windows() if any("Print" == c["title"] for c in w["controls"])), None))
+    panel = wait_for("the print dialog", lambda: screen.window_with("Print"))
     screen.wait_focus("Printer")
     screen.go_to("Copies")
     screen.keys("Up", "Up", "Down")
@@ -298,7 +297,8 @@ def expected_ticket():
     }
 
 
-def work_through(arguments, work):
+def main_job(arguments, work, screen_of, send, ticket):
+    """Starts what the dialog needs and the dialog, lets send(screen) use it, and compares the ticket."""
     cups = os.path.join(work, "cups")
     private_cups = os.path.join(SCRIPTS, "private-cups")
     server = run(private_cups, "start", cups, "--build", arguments.build, "--owner", str(os.getpid())).strip()
@@ -306,21 +306,20 @@ def work_through(arguments, work):
     run("setxkbmap", "de")
     program = subprocess.Popen(
         [os.path.join(arguments.build, "faxprint.app", "faxprint"), "--ui-map", map_file, arguments.file],
-        env={**os.environ, "CUPS_SERVER": server, "DIRECTFAX_ADDRESSBOOKS": make_book(arguments.build, work)},
+        env={**environment_of(arguments), "CUPS_SERVER": server,
+             "DIRECTFAX_ADDRESSBOOKS": make_book(arguments.build, work)},
         stdin=subprocess.DEVNULL)
-    screen = Keyboard(map_file, arguments.pictures, program)
     try:
-        send_one_fax(screen)
+        send(screen_of(map_file, arguments.pictures, program))
         if program.wait(timeout=30) != 0:
             raise TourError(f"the print dialog ended with code {program.returncode}")
         ticket_file = os.path.join(cups, "tickets", "job-1.json")
         wait_for("the ticket", lambda: os.path.exists(ticket_file))
         with open(ticket_file, encoding="utf-8") as file:
             got = json.load(file)
-        wrong = [line for key, value in expected_ticket().items() for line in differences(got.get(key), value, key)]
-        if wrong:
+        if wrong := [line for key, value in ticket.items() for line in differences(got.get(key), value, key)]:
             raise TourError("\n".join(wrong))
-        print("The ticket is what was entered with keys.")
+        print("The ticket is what was entered.")
     except Exception:
         run("import", "-silent", "-window", "root", os.path.join(arguments.pictures, "failed.png"))
         raise
@@ -329,6 +328,10 @@ def work_through(arguments, work):
             program.kill()
             program.wait()
         run(private_cups, "stop", cups)
+
+
+def work_through(arguments, work):
+    main_job(arguments, work, lambda *of: Keyboard(*of, arguments.texts), send_one_fax, expected_ticket())
 
 
 if __name__ == "__main__":

@@ -16,7 +16,7 @@ CommandLine parsed(std::vector<std::string> const &arguments) {
 TEST(CommandLine, EveryOptionReachesItsField) {
   CommandLine const line = parsed({"--printer", "fax", "-o", "A=1", "report.pdf", "--option=B=x=y z", "--copies", "3",
                                    "--title", "", "--extension", "/x.bundle", "--timing", "--no-status", "--ui-map", "map",
-                                   "--output", "out.pdf", "--theme", "dark", "--pages", "1-3", "-"});
+                                   "--output", "out.pdf", "--alert", "--theme", "dark", "--scale", "1.5", "--pages", "1-3", "-"});
   EXPECT_EQ(line.action, CommandLine::Action::print);
   EXPECT_EQ(line.printer, "fax");
   EXPECT_EQ(line.options, (std::vector<Setting>{{"A", "1"}, {"B", "x=y z"}}));
@@ -28,6 +28,8 @@ TEST(CommandLine, EveryOptionReachesItsField) {
   EXPECT_EQ(line.ui_map, "map");
   EXPECT_EQ(line.output, "out.pdf");
   EXPECT_EQ(line.theme, "dark");
+  EXPECT_EQ(line.scale, 1.5);
+  EXPECT_TRUE(line.alert);
   EXPECT_EQ(line.destination, Destination::file);
   EXPECT_EQ(line.pages, "1-3");
   EXPECT_EQ(line.files, (std::vector<std::string>{"report.pdf", "-"}));
@@ -38,6 +40,8 @@ TEST(CommandLine, DefaultsAndTexts) {
   EXPECT_EQ(line.files, (std::vector<std::string>{"--odd-name"}));
   EXPECT_EQ(line.copies, 1);
   EXPECT_EQ(line.theme, "auto");
+  EXPECT_EQ(line.scale, 0);
+  EXPECT_FALSE(line.alert);
   EXPECT_EQ(line.destination, Destination::printer);
   EXPECT_FALSE(line.printer || line.title || line.output);
   EXPECT_EQ(parsed({"--to", "preview", "a"}).destination, Destination::preview);
@@ -70,6 +74,8 @@ INSTANTIATE_TEST_SUITE_P(Table, WrongLines,
                                          WrongLine{{"--timing", "--colour", "a"}, "\"--colour\""},          //
                                          WrongLine{{"--timing", "-x", "a"}, "\"-x\""},                      //
                                          WrongLine{{"--t", "x"}, "\"--t\""},                                //
+                                         WrongLine{{"--scale", "0.5", "a"}, "not \"0.5\""},              //
+                                         WrongLine{{"--scale", "nan", "a"}, "from 1 to 4"},                //
                                          WrongLine{{"--theme", "blue", "a"}, "not \"blue\""},              //
                                          WrongLine{{"--timing=yes", "a"}, "--timing takes no value"},       //
                                          WrongLine{{"a", "--printer"}, "--printer needs a value"},          //

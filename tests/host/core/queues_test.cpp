@@ -31,6 +31,21 @@ TEST(ChooseQueue, RefusalsOfferWhatThereIs) {
   EXPECT_THAT(choose_queue({}, "fax").failure().what, HasSubstr("has no print queues"));
 }
 
+TEST(ChooseQueue, BeginsWithTheLikeliest) {
+  Queue faxes = queue("faxes");
+  faxes.fax_capable = true;
+  struct Case {
+    std::vector<Queue> queues;
+    std::string last, expected;
+  };
+  Case const cases[] = {
+      {{queue("a"), queue("b", true), faxes}, "a", "a"}, {{queue("a"), queue("b", true), faxes}, "gone", "b"},
+      {{queue("a"), faxes, queue("b")}, "", "faxes"},    {{queue("a"), queue("b")}, "", "a"},
+  };
+  for (Case const &one : cases) EXPECT_EQ(queue_to_begin_with(one.queues, one.last).value().name, one.expected);
+  EXPECT_EQ(queue_to_begin_with({}, "a").failure().code, ExitCode::queue);
+}
+
 TEST(QueueTable, OneLineEach) {
   Queue fax = queue("fax", true);
   fax.info = "Fax in the hall";

@@ -34,18 +34,18 @@ TEST(Preference, TheNearestWordCounts) {
     Scheme expected;
   };
   Case const cases[] = {
-      {Choice::automatic, {"", "", kNone, kNone}, kLight},
-      {Choice::automatic, {"", "", kNone, kDark}, kDark},
-      {Choice::automatic, {"", "", kLight, kDark}, kLight},
-      {Choice::automatic, {"", "", kDark, kLight}, kDark},
-      {Choice::automatic, {"", "Adwaita:dark", kLight, kLight}, kDark},
-      {Choice::automatic, {"", "Adwaita", kDark, kDark}, kLight},
-      {Choice::automatic, {"light", "Adwaita:dark", kDark, kDark}, kLight},
-      {Choice::automatic, {"dark", "", kLight, kLight}, kDark},
-      {Choice::automatic, {"auto", "", kDark, kNone}, kDark},
-      {Choice::automatic, {"Dark please", "", kNone, kNone}, kLight},
-      {Choice::light, {"dark", "Adwaita:dark", kDark, kDark}, kLight},
-      {Choice::dark, {"light", "Adwaita", kLight, kLight}, kDark},
+      {Choice::automatic, {"", "", kNone, kNone, {}}, kLight},
+      {Choice::automatic, {"", "", kNone, kDark, {}}, kDark},
+      {Choice::automatic, {"", "", kLight, kDark, {}}, kLight},
+      {Choice::automatic, {"", "", kDark, kLight, {}}, kDark},
+      {Choice::automatic, {"", "Adwaita:dark", kLight, kLight, {}}, kDark},
+      {Choice::automatic, {"", "Adwaita", kDark, kDark, {}}, kLight},
+      {Choice::automatic, {"light", "Adwaita:dark", kDark, kDark, {}}, kLight},
+      {Choice::automatic, {"dark", "", kLight, kLight, {}}, kDark},
+      {Choice::automatic, {"auto", "", kDark, kNone, {}}, kDark},
+      {Choice::automatic, {"Dark please", "", kNone, kNone, {}}, kLight},
+      {Choice::light, {"dark", "Adwaita:dark", kDark, kDark, {}}, kLight},
+      {Choice::dark, {"light", "Adwaita", kLight, kLight, {}}, kDark},
   };
   for (std::size_t at = 0; at < std::size(cases); ++at)
     EXPECT_EQ(scheme_for(cases[at].choice, cases[at].desktop), cases[at].expected) << "case " << at;
@@ -69,7 +69,7 @@ TEST(Preference, ReadsGtkSettings) {
       {"gtk-application-prefer-dark-theme=1\n[Settings]\n", kNone},
       {"[Settings]\n#gtk-application-prefer-dark-theme=1\n=\n==\n", kNone},
   };
-  for (Case const &one : cases) EXPECT_EQ(scheme_of_gtk_settings(one.text), one.expected) << one.text;
+  for (Case const &one : cases) EXPECT_EQ(scheme_of_gtk_settings(read_gtk_settings(one.text)), one.expected) << one.text;
 }
 
 // A bus of the test's own, with a portal on it that answers as it is told to. One test only: libdbus keeps the first
@@ -106,7 +106,7 @@ class Portal : public testing::Test {
   }
 
   // What is read while a portal answers one call with this; without an answer it keeps silent.
-  std::optional<Scheme> read_while_answering(std::function<bool(DBusMessageIter *)> answer) {
+  PortalLooks read_while_answering(std::function<bool(DBusMessageIter *)> answer) {
     DBusConnection *bus = dbus_bus_get_private(DBUS_BUS_SESSION, nullptr);
     if (bus == nullptr) throw std::runtime_error("no bus");
     dbus_connection_set_exit_on_disconnect(bus, FALSE);
@@ -128,12 +128,12 @@ class Portal : public testing::Test {
         dbus_message_unref(call);
       }
     });
-    auto const scheme = scheme_of_portal();
+    PortalLooks const looks = looks_of_portal();
     over = true;
     portal.join();
     dbus_connection_close(bus);
     dbus_connection_unref(bus);
-    return scheme;
+    return looks;
   }
 
  private:
@@ -159,24 +159,26 @@ bool a_text(DBusMessageIter *at) {
 }
 
 TEST_F(Portal, TellsItsColourScheme) {
-  EXPECT_EQ(read_while_answering(wrapped(1)), kDark);
-  EXPECT_EQ(read_while_answering(wrapped(2)), kLight);
-  EXPECT_EQ(read_while_answering(wrapped(0)), kNone);
-  EXPECT_EQ(read_while_answering(wrapped(9)), kNone);
-  EXPECT_EQ(read_while_answering(a_text), kNone);
-  EXPECT_EQ(read_while_answering([](DBusMessageIter *) { return true; }), kNone);
+  EXPECT_EQ(read_while_answering(wrapped(1)).scheme, kDark);
+  EXPECT_EQ(read_while_answering(wrapped(2)).scheme, kLight);
+  EXPECT_EQ(read_while_answering(wrapped(0)).scheme, kNone);
+  EXPECT_EQ(read_while_answering(wrapped(9)).scheme, kNone);
+  EXPECT_EQ(read_while_answering(a_text).scheme, kNone);
+  EXPECT_EQ(read_while_answering(a_text).font, "dark");
+  EXPECT_EQ(read_while_answering(wrapped(1)).font, "");
+  EXPECT_EQ(read_while_answering([](DBusMessageIter *) { return true; }).scheme, kNone);
 
   // One that does not answer is not waited for long.
   auto const start = std::chrono::steady_clock::now();
-  EXPECT_EQ(read_while_answering(nullptr), kNone);
+  EXPECT_EQ(read_while_answering(nullptr).scheme, kNone);
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(3));
-  EXPECT_EQ(scheme_of_portal(), kNone) << "a bus without a portal";
+  EXPECT_EQ(looks_of_portal().scheme, kNone) << "a bus without a portal";
 }
 
 TEST(NoPortal, IsFoundWithoutABus) {
   unsetenv("DBUS_SESSION_BUS_ADDRESS");
   unsetenv("XDG_RUNTIME_DIR");
-  EXPECT_EQ(scheme_of_portal(), kNone);
+  EXPECT_EQ(looks_of_portal().scheme, kNone);
 }
 
 }  // namespace

@@ -93,7 +93,9 @@ static void NoteDeviceURI(PMPrinter printer) {
 - (NSView *)panelView {
   Note(@"panelView");
   if (_view) return _view;
-  _view = [[NSView alloc] initWithFrame:NSMakeRect(0, 0, 420, 80)];
+  // Larger than the dialog has room for at first, and it would grow with what it lies in.
+  _view = [[NSView alloc] initWithFrame:NSMakeRect(0, 0, 620, 280)];
+  [_view setAutoresizingMask:NSViewWidthSizable | NSViewHeightSizable];
   [_view addSubview:[self label:@"Image Quality:" at:47]];
   qualityPopUp = [[[NSPopUpButton alloc] initWithFrame:NSMakeRect(150, 44, 260, 24) pullsDown:NO] autorelease];
   [qualityPopUp setTarget:self];

@@ -1,6 +1,7 @@
 // The dialog's objects on a real display, with a print service and extensions of the tests' own.
 #include <gmock/gmock.h>
 
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 
@@ -34,13 +35,14 @@ TEST_F(Dialog, LeavingAPanelSavesItAndSummaryAsksForItsRows) {
   open();
   auto const asked = calls_of([&] { choose(@"Options", @"Summary"); });
   EXPECT_THAT(asked, ElementsAre("shouldHide", "save", "save", "summaryInfo"));
+  MapFrame const before = map().frame;
   std::vector<std::string> labels;
-
   for (auto const &control : map().controls) {
     for (auto const &row : control.rows) labels.push_back(row.cells.at(0));
   }
   EXPECT_THAT(labels, IsSupersetOf({"Printer", "Copies", "Document", "Recording", "Image Quality", "Sender Name"}));
   EXPECT_THAT(calls_of([&] { choose(@"Options", @"Recording"); }), ElementsAre("restore", "willShow"));
+  EXPECT_EQ(std::pair(map().frame.width, map().frame.height), std::pair(before.width, before.height));
 }
 
 TEST_F(Dialog, APanelThatMustNotBeHiddenStays) {
@@ -187,7 +189,11 @@ TEST_F(Dialog, AnotherPrinterGetsItsOwnPanels) {
 }
 
 TEST_F(Dialog, AnExtensionThatFailsLeavesAWorkingDialog) {
-  for (char const *extension : {"Empty", "Raising", "NoLibrary", "Absent"}) {
+  // One that others may change.
+  auto const loose = std::filesystem::canonical(std::filesystem::temp_directory_path()) / "Loose.bundle";
+  std::filesystem::create_directory(loose);
+  std::filesystem::permissions(loose, std::filesystem::perms{0777});
+  for (std::string const extension : {"Empty", "Raising", "NoLibrary", "Absent", loose.c_str()}) {
     SCOPED_TRACE(extension);
     open(extension);
     EXPECT_EQ(value(@"Options"), "Printer Features");

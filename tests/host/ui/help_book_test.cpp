@@ -181,28 +181,45 @@ TEST_P(HelpBook, EveryLanguageHasTheSamePages) {
   }
 }
 
-// The right side of every line of the string tables.
-std::set<std::string> screen_texts() {
+std::string contents(fs::path const &file) {
+  std::ifstream source{file};
+  return {std::istreambuf_iterator<char>{source}, {}};
+}
+
+// A label is called without its colon.
+void add_text(std::set<std::string> &texts, std::string text) {
+  for (std::string_view const colon : {":", "：", " :", " :"})
+    if (text.ends_with(colon)) text.resize(text.size() - colon.size());
+  texts.insert(text);
+}
+
+// The right side of every line of the bundle's string tables, and of the programs' catalogue (its keys for English).
+std::set<std::string> screen_texts(std::string const &language) {
   std::set<std::string> texts;
   std::regex const line{"= \"((?:[^\"\\\\]|\\\\.)*)\";"};
-  for (auto const &book : kBooks) {
-    for (auto const &entry : fs::directory_iterator(book.resources / "English.lproj")) {
-      if (entry.path().extension() != ".strings") continue;
-      std::ifstream file{entry.path()};
-      std::string const all{std::istreambuf_iterator<char>{file}, {}};
-      for (std::sregex_iterator at{all.begin(), all.end(), line}, end; at != end; ++at) {
-        std::string const shown = (*at)[1];
-        texts.insert(shown.ends_with(':') ? shown.substr(0, shown.size() - 1) : shown);
-      }
-    }
+  for (auto const &entry : fs::directory_iterator(fs::path{SOURCES} / "resources" / language)) {
+    if (entry.path().extension() != ".strings") continue;
+    auto const all = contents(entry.path());
+    for (std::sregex_iterator at{all.begin(), all.end(), line}, end; at != end; ++at) add_text(texts, (*at)[1]);
   }
+  static std::map<std::string, std::string> const catalogues{{"pt-BR", "pt_BR"}, {"zh-Hans", "zh_CN"}};
+  auto const code = fs::path{language}.stem().string();
+  bool const english = code == "English";
+  auto const named = catalogues.find(code);
+  auto const catalogue = english ? "directfax.pot" : (named != catalogues.end() ? named->second : code) + ".po";
+  auto const all = contents(fs::path{SOURCES} / "po" / catalogue);
+  std::regex const entry{english ? "\nmsgid \"(.+)\"" : "\nmsgstr \"(.+)\""};
+  for (std::sregex_iterator at{all.begin(), all.end(), entry}, end; at != end; ++at) add_text(texts, (*at)[1]);
   return texts;
 }
 
 TEST_P(HelpBook, CallsThingsAsTheScreenDoes) {
-  auto const texts = screen_texts();
-  for (auto const &[name, page] : pages_of(folder("English.lproj"))) {
-    for (auto const &called : page.names) EXPECT_TRUE(texts.contains(called)) << name << ": " << called;
+  for (auto const &language : languages(GetParam())) {
+    auto const texts = screen_texts(language);
+    for (auto const &[name, page] : pages_of(folder(language))) {
+      for (auto const &called : page.names)
+        EXPECT_TRUE(texts.contains(called)) << language << ", " << name << ": " << called;
+    }
   }
 }
 

@@ -3,10 +3,13 @@
 
 #include <filesystem>
 #include <fstream>
+#include <future>
 
 #include "../core/small_pdf.h"
 #include "dialog_fixture.h"
+#include "drag_source.h"
 
+#import "host/controls.h"
 #import "toolkit/text.h"
 
 using testing::ElementsAre;
@@ -148,6 +151,32 @@ TEST_F(PagesDialog, DocumentsAreAddedAndTakenOut) {
   [control_of_preview(@"removeDocumentButton") performClick:nil];
   ASSERT_TRUE(shows("pageLabel", "Page 1 of 1"));
   EXPECT_THAT(printed(), ElementsAre("Added"));
+}
+
+// By another program: here a thread with a connection of its own.
+TEST_F(PagesDialog, TakesDroppedFiles) {
+  open("Recording", "fax", {}, with_report);
+  std::string const path = testing::TempDir() + "/dropped 100% on it.pdf";
+  std::ofstream(path) << pdf_of({"Dropped"});
+  std::string const address = "file://" + testing::TempDir() + "/dropped%20100%25%20on%20it.pdf\r\n";
+  unsigned long const window = window_device([dialog_ window]);
+  auto const drag = [&](std::string const &addresses, Offer offer) {
+    auto result = std::async(std::launch::async, drag_onto, window, addresses, offer);
+    while (result.wait_for(std::chrono::seconds(0)) != std::future_status::ready) come_round();
+    return result.get();
+  };
+  for (int round = 0; round < 10; ++round) come_round();
+  DragResult const one = drag(address, Offer::files);
+  EXPECT_TRUE(one.accepted && one.finished);
+  ASSERT_TRUE(shows("pageLabel", "Page 1 of 4"));
+  EXPECT_TRUE(told().empty());
+  EXPECT_TRUE(drag("# two\r\n" + address + "https://example.org/x.pdf\r\nfile:///nowhere/b.pdf\r\n",
+                   Offer::files_among_many).finished);
+  ASSERT_TRUE(shows("pageLabel", "Page 1 of 5"));
+  EXPECT_THAT(told(), ElementsAre(HasSubstr("/nowhere/b.pdf"), HasSubstr("https://example.org/x.pdf")));
+  EXPECT_FALSE(drag("text", Offer::text_only).accepted);
+  std::filesystem::remove(path);
+  EXPECT_THAT(printed(), ElementsAre("One", "Two", "Three", "Dropped", "Dropped"));
 }
 
 TEST_F(PagesDialog, RemembersPrinterOptionsAndSizeAndNothingOfTheJob) {

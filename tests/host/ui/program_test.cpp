@@ -82,4 +82,17 @@ INSTANTIATE_TEST_SUITE_P(
                     ProgramCase{"list_without_service", kNoService, "--list", 4, "print service"}),
     [](auto const &info) { return std::string{info.param.name}; });
 
+// The bundle itself may be sound or not: it is not even looked into.
+TEST(ProgramWithAnExtension, ThatOthersMayChange) {
+  std::string pattern = (std::filesystem::temp_directory_path() / "extension.XXXXXX").string();
+  std::filesystem::path const folder = std::filesystem::canonical(mkdtemp(pattern.data()));
+  auto const bundle = folder / "Fax.bundle";
+  std::filesystem::create_directory(bundle);
+  std::filesystem::permissions(bundle, std::filesystem::perms{0777});
+  auto const ended = run(kNoService, "--extension " + bundle.string() + " " FAXPRINT);
+  std::filesystem::remove_all(folder);
+  EXPECT_EQ(ended.code, 6) << ended.said;
+  EXPECT_NE(ended.said.find("other users may change \"" + bundle.string() + "\""), std::string::npos) << ended.said;
+}
+
 }  // namespace
