@@ -11,11 +11,13 @@ tickets and what reached the device are what was entered and sent, and when the 
 speak German out of what is installed.
 """
 
+import contextlib
 import glob
 import json
 import os
 import pwd
 import re
+import signal
 import socket
 import subprocess
 import sys
@@ -26,6 +28,7 @@ import urllib.request
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "script", "tour"))
 from address_books import DIALOG as BOOK_DIALOG, FILE_TABLE  # noqa: E402
+from editor import OPEN_EDITOR  # noqa: E402
 from fax import FAX_DIALOG, PANEL  # noqa: E402
 from screen import Screen, TourError, expect, run, wait_for  # noqa: E402
 from texts import Texts  # noqa: E402
@@ -153,9 +156,34 @@ def loaded(root, program):
         return sorted({line.split()[-1].removeprefix(root.folder) for line in maps if "/directfax/" in line})
 
 
+def editor_windows():
+    return subprocess.run(["xdotool", "search", "--onlyvisible", "--classname", "^AddressBookEditor$"],
+                          capture_output=True, encoding="utf-8", check=False).stdout.split()
+
+
+def processes():
+    """Pairs of a number and the program's path, of all whose path can be read."""
+    for link in glob.glob("/proc/[0-9]*/exe"):
+        with contextlib.suppress(OSError):
+            yield int(link.split("/")[2]), os.readlink(link)
+
+
+def see_editor(root, screen, panel):
+    """The panel's button finds the installed one."""
+    screen.press(panel, OPEN_EDITOR)
+    window, = wait_for("the editor", editor_windows)
+    (process, path), = (one for one in processes() if one[1].endswith("/AddressBookEditor"))
+    print(f"Editor: {run('xdotool', 'getwindowname', window).strip()}, {path.removeprefix(root.folder)}")
+    os.kill(process, signal.SIGTERM)
+    wait_for("the editor to end", lambda: not editor_windows())
+    run("xdotool", "search", "--name", f"^{panel}$", "windowactivate", "--sync")
+    screen.front = None
+
+
 def use_dialog(root, screen):
     panel = wait_for("the print dialog", lambda: screen.window_with("Print"))
     shows_no_english(screen, panel, screen.texts)
+    see_editor(root, screen, panel)
     screen.press(panel, "Print")
     screen.go_to(FAX_DIALOG)
     type_recipient(screen)
@@ -189,7 +217,7 @@ def compare(root, device, job):
     wait_for("the ticket", lambda: os.path.exists(f"{stem}.json"))
     with open(f"{stem}.json", encoding="utf-8") as file:
         ticket = json.load(file)
-    print(json.dumps(ticket, ensure_ascii=False, indent=2))
+    print(json.dumps(ticket, ensure_ascii=False))
     with open(root.path("/tmp/letter.pdf"), "rb") as file:
         letter = file.read()
     with open(f"{stem}.pdf", "rb") as file:
