@@ -34,7 +34,7 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_BINARY_DIR})
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "gnustep-back0.29-cairo")
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS
     "cups, cups-filters, avahi-daemon, ca-certificates, fonts-dejavu-core, \
-fonts-ipafont-gothic | fonts-noto-cjk, fonts-droid-fallback | fonts-noto-cjk")
+fonts-ipafont-gothic | fonts-noto-cjk, fonts-droid-fallback | fonts-noto-cjk, fonts-nanum | fonts-noto-cjk")
 
 set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA
     ${PROJECT_SOURCE_DIR}/packaging/debian/postinst

@@ -7,8 +7,8 @@ device.
 ROOT is a Debian with the package and CUPS, a user fax-sender, and /tmp/letter.pdf. Everything of the product and of CUPS
 that runs is what is installed there, with the settings that Debian gives it; the X server, the keys and the device are
 ours. One recipient is typed, the other chosen from an address book that gad made. Exit code 0 only when the driver's
-tickets and what reached the device are what was entered and sent, and when the programs, the dialog and CUPS's own pages
-speak German out of what is installed.
+tickets and what reached the device are what was entered and sent, when the programs, the dialog and CUPS's own pages
+speak German out of what is installed, and when the installed fonts have the letters of every language.
 """
 
 import contextlib
@@ -92,6 +92,21 @@ def make_book(root):
     root.run("gad", "create", book, user=SENDER)
     root.run("gad", "add", book, *CHOSEN, user=SENDER)
     print(f"Address book: {root.run('gad', 'list', book, user=SENDER).strip()}")
+
+
+def fonts_suffice(root):
+    """For every letter of every catalogue."""
+    fonts = [file for file in glob.glob(root.path("/usr/share/fonts/**"), recursive=True)
+             if file.endswith((".ttf", ".ttc", ".otf")) and not os.path.islink(file)]
+    letters = set()
+    for part in run("fc-query", "-f", "%{charset} ", *fonts).split():
+        first, _, last = part.partition("-")
+        letters.update(range(int(first, 16), int(last or first, 16) + 1))
+    catalogues = glob.glob(root.path("/usr/share/locale/*/LC_MESSAGES/directfax.mo"))
+    for catalogue in catalogues:
+        if missing := {c for c in run("msgunfmt", catalogue) if c.isprintable() and ord(c) not in letters}:
+            raise TourError(f"no font has {''.join(sorted(missing))} of {catalogue}")
+    print(f"The fonts have the letters of all {len(catalogues)} catalogues.")
 
 
 def installed_texts(root, folder, language):
@@ -241,6 +256,7 @@ def main():
     run("ip", "link", "set", "lo", "up")
     service = root.start("/tmp/cupsd.log", "cupsd", "-f")
     try:
+        fonts_suffice(root)
         make_queue(root, device)
         make_book(root)
         for job, language in enumerate(("en", "de"), 1):
