@@ -140,7 +140,7 @@ std::optional<NumericAddress> numeric_address(std::string_view host) {
   hints.ai_flags = AI_NUMERICHOST;
   addrinfo *found = nullptr;
   if (spelled.empty() || getaddrinfo(spelled.c_str(), nullptr, &hints, &found) != 0) return std::nullopt;
-  auto const address = numeric_address(found->ai_addr);
+  auto address = numeric_address(found->ai_addr);
   freeaddrinfo(found);
   return address;
 }

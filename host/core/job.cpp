@@ -14,7 +14,7 @@ namespace fax::host {
 
 namespace {
 
-constexpr std::size_t kPiece = 64 * 1024;
+constexpr std::size_t kPiece = 65536;
 constexpr std::size_t kLongestTitle = 255;  // bytes; the longest job name that IPP allows
 constexpr int kMostCopies = 9999;
 constexpr int kWithdrawSeconds = 5;  // the user waits for it, and nothing is lost where it fails

@@ -21,7 +21,7 @@ namespace fs = std::filesystem;
 using Json = nlohmann::json;
 
 constexpr int kVersion = 1;
-constexpr std::uintmax_t kLargestFile = 1024 * 1024;
+constexpr std::uintmax_t kLargestFile = 1 << 20;
 constexpr int kLargestSide = 32767;  // of a window, at an X server
 
 Failure not_understood(fs::path const &file) {
