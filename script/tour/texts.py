@@ -75,6 +75,10 @@ class Texts:
                 found.add(other.removesuffix(end).removesuffix("\uff1a" if end else "").strip())
         return found | {english}
 
+    def filled(self, english, *values):
+        """A text with places such as {0}, in the language, with the values in them."""
+        return self.catalogue.gettext(english).format(*values)
+
     def says(self, shown, english):
         return shown in self.forms(english)
 
