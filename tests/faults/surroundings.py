@@ -117,15 +117,17 @@ def open_book(arguments, work, row):
     run(gad, "create", book)
     editor = os.path.join(arguments.build, "editor", "AddressBookEditor.app", "AddressBookEditor")
     with Program(work, changes, [*before, editor, book]) as program:
-        wait_for("the editor's window", some_window_is_active)
+        wait_for("the editor's window", editor_is_shown)
+        time.sleep(1)
         run("import", "-silent", "-window", "root", os.path.join(arguments.pictures, f"editor-{name}.png"))
-        time.sleep(0.5)
         if program.process.poll() is not None:
             raise TourError(f"the editor ended: {program.said()}")
 
 
-def some_window_is_active():
-    return subprocess.run(["xdotool", "getactivewindow"], capture_output=True, check=False).returncode == 0
+def editor_is_shown():
+    found = subprocess.run(["xdotool", "search", "--onlyvisible", "--classname", "AddressBookEditor"], capture_output=True,
+                           check=False)
+    return found.returncode == 0 and found.stdout.strip()
 
 
 def work_through(arguments, work):
