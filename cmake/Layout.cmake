@@ -12,3 +12,12 @@ set(DIRECTFAX_CUPS_FILTERS ${cups_programs}/filter)
 
 # It looks for PPD files in /usr/share/ppd and in /usr/local/share/ppd, the folders below them included.
 set(DIRECTFAX_PPD_FOLDER ${CMAKE_INSTALL_DATADIR}/ppd/directfax)
+
+# A program in a wrapper of that name is started through a link among the commands.
+function(directfax_command name)
+  install(CODE "
+    file(MAKE_DIRECTORY \$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR})
+    file(RELATIVE_PATH program \${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR}
+         \${CMAKE_INSTALL_PREFIX}/${DIRECTFAX_HOME}/${name}.app/${name})
+    file(CREATE_LINK \${program} \$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR}/${name} SYMBOLIC)")
+endfunction()

@@ -22,9 +22,11 @@ set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
 that can be printed, asks who gets the fax, with which password and when,
 and hands all of it to CUPS as one job, where the printer's driver finds it.
 
-The package holds the dialog, its fax extension, the tool gad for address
-books (vCard and CSV), and a sample driver: a PPD file, and a CUPS filter
-that writes a ticket of every fax.")
+The package holds the dialog, its fax extension, an editor and the tool gad
+for address books (vCard and CSV), and a sample driver: a PPD file, and a
+CUPS filter that writes a ticket of every fax. All of it speaks English,
+Japanese, German, French, Spanish, Italian, Dutch, Brazilian Portuguese,
+Simplified Chinese and Korean.")
 
 # Libraries by dpkg-shlibdeps; the toolkit loads what draws its windows at run time.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
@@ -32,7 +34,7 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_BINARY_DIR})
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "gnustep-back0.29-cairo")
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS
     "cups, cups-filters, avahi-daemon, ca-certificates, fonts-dejavu-core, \
-fonts-ipafont-gothic | fonts-noto-cjk, fonts-droid-fallback | fonts-noto-cjk")
+fonts-ipafont-gothic | fonts-noto-cjk, fonts-droid-fallback | fonts-noto-cjk, fonts-nanum | fonts-noto-cjk")
 
 set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA
     ${PROJECT_SOURCE_DIR}/packaging/debian/postinst

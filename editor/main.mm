@@ -11,6 +11,7 @@
 #import "editor/EditorController.h"
 
 #include "editor/core/command_line.h"
+#include "host/theme/display.h"
 #include "host/theme/preference.h"
 #include "texts/texts.h"
 
@@ -40,6 +41,11 @@ static int Run(std::vector<std::string> const &arguments) {
   if (line.help || line.version) {
     std::fputs(line.help ? help_text().c_str() : "AddressBookEditor " EDITOR_VERSION "\n", stdout);
     return 0;
+  }
+  if (!fax::theme::display_answers()) {
+    std::fprintf(stderr, "AddressBookEditor: %s\n",
+                 fax::tr("Start it in a desktop session, or set {0}.", "DISPLAY").c_str());
+    return 2;
   }
   return Show(line);
 }

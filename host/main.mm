@@ -16,8 +16,8 @@
 #include "host/core/ppd_file.h"
 #include "host/core/queues.h"
 #include "host/core/trusted_path.h"
+#include "host/theme/display.h"
 #include "host/theme/preference.h"
-#include "host/x_display.h"
 
 #import "host/HostDialog.h"
 #import "host/HostScreenMap.h"
@@ -223,7 +223,7 @@ static void StartApplication(CommandLine const &line) {
 
 // For who started the program without a terminal.
 static void ShowFailure(CommandLine const &line, Failure const &failure) {
-  if (!display_answers()) return;
+  if (!fax::theme::display_answers()) return;
   fenced([&] {
     StartApplication(line);
     [NSApp finishLaunching];
@@ -233,7 +233,7 @@ static void ShowFailure(CommandLine const &line, Failure const &failure) {
 }
 
 static int RunDialog(DialogRequest const &request) {
-  if (!display_answers()) {
+  if (!fax::theme::display_answers()) {
     return Fail({ExitCode::usage, tr("There is no display to show the print dialog on."),
                  tr("Start it in a desktop session, or set {0}.", "DISPLAY")});
   }

@@ -4,13 +4,6 @@
 
 namespace fax::host {
 
-bool display_answers() {
-  Display *display = XOpenDisplay(nullptr);
-  if (!display) return false;
-  XCloseDisplay(display);
-  return true;
-}
-
 std::optional<std::pair<int, int>> window_origin(void *display, unsigned long window) {
   auto *server = static_cast<Display *>(display);
   if (!server || !window) return std::nullopt;

@@ -6,9 +6,6 @@
 
 namespace fax::host {
 
-// Does the server that DISPLAY names answer?
-bool display_answers();
-
 // The pixel of the root window at which a window's own area (without the window manager's border) begins. display is a
 // Display *, window an X window's number. Nothing when the server does not know the window.
 std::optional<std::pair<int, int>> window_origin(void *display, unsigned long window);

@@ -4,7 +4,8 @@
     installed_files.py --build BUILD --sources SOURCES --version VERSION [--sanitized]
 
 Every file has the place and the mode of the list below, finds its libraries by its own place, and knows nothing of the
-machine that built it; what desktops, software centres and manual readers get passes their own checkers.
+machine that built it; what desktops, software centres and manual readers get passes their own checkers, and is there in
+every language that the programs speak.
 """
 
 import argparse
@@ -15,15 +16,18 @@ import stat
 import subprocess
 import sys
 import tempfile
+import xml.etree.ElementTree
 
 HOME = "/usr/lib/directfax"
 BUNDLE = f"{HOME}/DirectFax.bundle"
 FRAMEWORK = f"{BUNDLE}/Frameworks/QUOLTANIS.framework"
-ID = "com.norvalt.tk.o.faxprint"
+IDS = ["com.norvalt.tk.o.faxprint", "com.norvalt.tk.o.addressbookeditor"]
 PPD = "/usr/share/ppd/directfax/norvalt-fax.ppd"
-PAGES = ["/usr/share/man/man1/faxprint.1.gz", "/usr/share/man/man1/gad.1.gz"]
-DESKTOP = f"/usr/share/applications/{ID}.desktop"
-METAINFO = f"/usr/share/metainfo/{ID}.metainfo.xml"
+COMMANDS = ["faxprint", "AddressBookEditor", "gad"]
+PAGES = [f"/usr/share/man/man1/{command}.1.gz" for command in COMMANDS]
+DESKTOPS = [f"/usr/share/applications/{program}.desktop" for program in IDS]
+METAINFOS = [f"/usr/share/metainfo/{program}.metainfo.xml" for program in IDS]
+MEDIA_TYPE = f"/usr/share/mime/packages/{IDS[1]}.xml"
 CHANGELOG = "/usr/share/doc/directfax/changelog.gz"
 
 EDITOR = f"{HOME}/AddressBookEditor.app"
@@ -31,22 +35,23 @@ PROGRAMS = {f"{HOME}/faxprint.app/faxprint", f"{HOME}/faxprint.app/faxpages", f"
             "/usr/bin/gad", "/usr/lib/cups/filter/norvalt-fax-filter"}
 LIBRARIES = {f"{HOME}/libdirectfax-platform.so", f"{BUNDLE}/DirectFax", f"{FRAMEWORK}/Versions/A/QUOLTANIS"}
 LINKS = {"/usr/bin/faxprint": f"{HOME}/faxprint.app/faxprint",
+         "/usr/bin/AddressBookEditor": f"{EDITOR}/AddressBookEditor",
          f"{FRAMEWORK}/QUOLTANIS": f"{FRAMEWORK}/Versions/A/QUOLTANIS",
          f"{FRAMEWORK}/Versions/Current": f"{FRAMEWORK}/Versions/A"}
-TEXTS = {PPD, *PAGES, DESKTOP, METAINFO, CHANGELOG, f"/usr/share/icons/hicolor/scalable/apps/{ID}.svg",
-         "/usr/share/bash-completion/completions/faxprint", "/usr/share/bash-completion/completions/gad",
-         "/usr/share/zsh/vendor-completions/_faxprint", "/usr/share/zsh/vendor-completions/_gad",
-         "/usr/share/doc/directfax/copyright"}
+TEXTS = {PPD, *PAGES, *DESKTOPS, *METAINFOS, MEDIA_TYPE, CHANGELOG, "/usr/share/doc/directfax/copyright",
+         *(f"/usr/share/icons/hicolor/scalable/apps/{program}.svg" for program in IDS),
+         *(f"/usr/share/bash-completion/completions/{command}" for command in COMMANDS),
+         *(f"/usr/share/zsh/vendor-completions/_{command}" for command in COMMANDS)}
 # Their files are counted by the sources: what lies there is what is installed.
 RESOURCES = {f"{BUNDLE}/Resources/": "resources", f"{HOME}/faxprint.app/Resources/": "host/resources",
              f"{EDITOR}/Resources/": "editor/resources"}
 NO_RESOURCES = {"CMakeLists.txt", "exports.map", "Info.plist.in"}
 
 
-def run(*command, stdout=subprocess.PIPE):
+def run(*command, stdout=subprocess.PIPE, **variables):
     """What the command said, standard error included, and whether it ended well."""
     done = subprocess.run(command, stdin=subprocess.DEVNULL, stdout=stdout, stderr=subprocess.PIPE, encoding="utf-8",
-                          timeout=60, check=False)
+                          env={**os.environ, **variables}, timeout=60, check=False)
     return (done.stdout or "") + done.stderr, done.returncode == 0
 
 
@@ -84,9 +89,15 @@ def resources(sources):
     yield f"{EDITOR}/Resources/Info-gnustep.plist"
 
 
+def languages(sources):
+    """But for English; as gettext names them, which is what desktops do too."""
+    return sorted(name.removesuffix(".po") for name in os.listdir(os.path.join(sources, "po")) if name.endswith(".po"))
+
+
 def places_and_modes(staged, sources):
     found = set(staged.names())
-    wanted = {*PROGRAMS, *LIBRARIES, *LINKS, *TEXTS, *resources(sources)}
+    catalogues = (f"/usr/share/locale/{language}/LC_MESSAGES/directfax.mo" for language in languages(sources))
+    wanted = {*PROGRAMS, *LIBRARIES, *LINKS, *TEXTS, *catalogues, *resources(sources)}
     yield from (f"{name} is missing" for name in sorted(wanted - found))
     yield from (f"{name} is not expected" for name in sorted(found - wanted))
     for name in sorted(found & wanted):
@@ -121,11 +132,38 @@ def machine_unknown(staged, folders):
             yield from (f"{name} holds the path {folder}" for folder in folders if folder.encode() in data)
 
 
-def programs_start(staged, version):
-    for name in ("faxprint", "gad"):
-        said, ended_well = run(staged.path(f"/usr/bin/{name}"), "--version")
+def programs_start(staged, version, sources):
+    for name in COMMANDS:
+        program = staged.path(f"/usr/bin/{name}")
+        said, ended_well = run(program, "--version")
         if not ended_well or version not in said.split():
             yield f"{name} --version: {said}"
+        texts = {}
+        for language in ["en", *languages(sources)]:
+            said, _ = run(program, "--help", LC_ALL=f"{language}.UTF-8", LANGUAGE="")
+            texts.setdefault(said, []).append(language)
+        yield from (f"{name} --help is the same in {', '.join(same)}" for same in texts.values() if len(same) > 1)
+
+
+def translated(staged, sources):
+    """Names of products and programs, which are the same everywhere, are no text."""
+    wanted = set(languages(sources))
+    for name in DESKTOPS:
+        text = staged.text(name)
+        for key in ("Name", "GenericName", "Comment", "Keywords"):
+            if missing := wanted - set(re.findall(rf"^{key}\[(\w+)\]=.", text, re.MULTILINE)):
+                yield f"{name}: no {key} in {', '.join(sorted(missing))}"
+    language = "{http://www.w3.org/XML/1998/namespace}lang"
+    for name in [*METAINFOS, MEDIA_TYPE]:
+        found = {}
+        for element in xml.etree.ElementTree.fromstring(staged.bytes(name)).iter():
+            tag = element.tag.rpartition("}")[2]
+            if tag in ("summary", "p", "li", "comment"):
+                found.setdefault((tag, element.get(language)), []).append(element)
+        for (tag, of), elements in found.items():
+            missing = [other for other in wanted if len(found.get((tag, other), [])) != len(elements)]
+            if of is None and missing:
+                yield f"{name}: not every {tag} is there in {', '.join(sorted(missing))}"
 
 
 def bundle_named(staged):
@@ -135,10 +173,11 @@ def bundle_named(staged):
 
 
 def checkers_pass(staged):
-    said, _ = run("desktop-file-validate", staged.path(DESKTOP))
+    said, _ = run("desktop-file-validate", *map(staged.path, DESKTOPS))
     if said:
         yield said
-    said, ended_well = run("appstreamcli", "validate", "--strict", "--no-net", "--no-color", staged.path(METAINFO))
+    said, ended_well = run("appstreamcli", "validate", "--strict", "--no-net", "--no-color",
+                           *map(staged.path, METAINFOS))
     if not ended_well:
         yield said
     for page in PAGES:
@@ -148,7 +187,8 @@ def checkers_pass(staged):
 
 
 def version_told(staged, version):
-    for name, words in ((CHANGELOG, f"directfax ({version}) "), (METAINFO, f'<release version="{version}"')):
+    for name, words in ((CHANGELOG, f"directfax ({version}) "),
+                        *((metainfo, f'<release version="{version}"') for metainfo in METAINFOS)):
         if words not in staged.text(name):
             yield f"{name} does not know version {version}"
 
@@ -168,8 +208,8 @@ def main():
             return 1
         staged = Staged(root)
         wrong = [*places_and_modes(staged, arguments.sources), *libraries_found(staged),
-                 *programs_start(staged, arguments.version), *bundle_named(staged),
-                 *checkers_pass(staged), *version_told(staged, arguments.version)]
+                 *programs_start(staged, arguments.version, arguments.sources), *bundle_named(staged),
+                 *checkers_pass(staged), *translated(staged, arguments.sources), *version_told(staged, arguments.version)]
         if not arguments.sanitized:
             wrong += machine_unknown(staged, [arguments.sources, arguments.build, root])
     print("\n".join(wrong))
