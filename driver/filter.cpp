@@ -33,6 +33,8 @@ void listen_to_cups() {
   // A backend that went away shows as a failed write.
   action.sa_handler = SIG_IGN;
   sigaction(SIGPIPE, &action, nullptr);
+  // So does a file that may not grow.
+  sigaction(SIGXFSZ, &action, nullptr);
 }
 
 fax::JobOptions parse_options(char const *text) {
@@ -66,6 +68,8 @@ void run(int argc, char **argv) {
   ticket_file.write(fax::ticket_text(ticket, document_name, copied.bytes));
   document.publish(document_name);
   ticket_file.publish(stem + ".json");
+  document.keep();
+  ticket_file.keep();
   std::cerr << "INFO: Fax to " << ticket.destinations.size() << " destinations accepted\n";
 }
 

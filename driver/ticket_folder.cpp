@@ -12,13 +12,15 @@ namespace fax {
 
 namespace {
 
-// The temporary names of the files that are not published; null for a free place.
+// The names of the files that are not kept yet; null for a free place.
 std::array<std::atomic<char const *>, NewFile::kMostUnfinished> unfinished{};
 static_assert(std::atomic<char const *>::is_always_lock_free, "a signal handler reads them");
 
 void exchange_unfinished(char const *old_path, char const *new_path) {
-  for (auto &place : unfinished)
-    if (place.compare_exchange_strong(old_path, new_path)) return;
+  for (auto &place : unfinished) {
+    char const *expected = old_path;
+    if (place.compare_exchange_strong(expected, new_path)) return;
+  }
 }
 
 [[noreturn]] void fail(std::string const &what) { throw std::system_error{errno, std::generic_category(), what}; }
@@ -52,20 +54,26 @@ NewFile::NewFile(std::string folder) : folder_{std::move(folder)}, path_{folder_
 
 NewFile::~NewFile() {
   ::close(descriptor_);
-  if (published_) return;
-  ::unlink(path_.c_str());
-  exchange_unfinished(path_.c_str(), nullptr);
+  if (kept_) return;
+  std::string const &name = published_.empty() ? path_ : published_;
+  ::unlink(name.c_str());
+  exchange_unfinished(name.c_str(), nullptr);
 }
 
 void NewFile::write(std::string_view bytes) { write_all(descriptor_, bytes, "Cannot write \"" + path_ + "\""); }
 
 void NewFile::publish(std::string const &name) {
-  auto const path = folder_ + "/" + name;
+  auto path = folder_ + "/" + name;
   if (::fsync(descriptor_) != 0) fail("Cannot write \"" + path_ + "\"");
   if (::rename(path_.c_str(), path.c_str()) != 0) fail("Cannot write \"" + path + "\"");
-  published_ = true;
-  exchange_unfinished(path_.c_str(), nullptr);
+  published_ = std::move(path);
+  exchange_unfinished(path_.c_str(), published_.c_str());
   sync_folder(folder_);
+}
+
+void NewFile::keep() {
+  exchange_unfinished(published_.c_str(), nullptr);
+  kept_ = true;
 }
 
 char const *document_extension(std::string_view start) {

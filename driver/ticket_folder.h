@@ -18,19 +18,21 @@ class NewFile {
   static constexpr int kMostUnfinished = 4;
 
   explicit NewFile(std::string folder);
-  // Removes the file unless it was published.
+  // Removes the file, published or not, unless it is kept.
   ~NewFile();
   NewFile(NewFile const &) = delete;
   NewFile &operator=(NewFile const &) = delete;
 
   void write(std::string_view bytes);
-  // On disk first, then renamed; replaces a file of that name at once.
+  // On disk first, then renamed; replaces a file of that name at once. Once.
   void publish(std::string const &name);
+  // What was published stays.
+  void keep();
 
  private:
-  std::string folder_, path_;
+  std::string folder_, path_, published_;
   int descriptor_ = -1;
-  bool published_ = false;
+  bool kept_ = false;
 };
 
 // The kind of a document by its first bytes, as a file extension without a dot: "%PDF-1.7" -> "pdf"; "bin" when unknown.
@@ -45,7 +47,7 @@ struct Copied {
 // time. Throws std::system_error on a failed read or write.
 Copied copy_document(int in, int out, NewFile &file);
 
-// Removes the files that were not published yet. For a signal handler that ends the process; safe in one.
+// Removes the files that are not kept yet. For a signal handler that ends the process; safe in one.
 void remove_unfinished_files() noexcept;
 
 }  // namespace fax

@@ -1,6 +1,7 @@
 // The Address Book Editor.
 #import <AppKit/AppKit.h>
 
+#include <csignal>
 #include <cstdio>
 #include <filesystem>
 #include <string>
@@ -56,6 +57,8 @@ int main(int argc, char **argv) {
   char program[] = "AddressBookEditor";
   char *own[] = {argc > 0 ? argv[0] : program, nullptr};
   [NSProcessInfo initializeWithArguments:own count:1 environment:environ];
+  // A file that may not grow shows as a failed write.
+  std::signal(SIGXFSZ, SIG_IGN);
   NSAutoreleasePool *pool = [NSAutoreleasePool new];
   int const code = Run({argv + (argc > 0 ? 1 : 0), argv + argc});
   [pool release];

@@ -8,6 +8,7 @@
 #include <CLI/CLI.hpp>
 #include <glib.h>
 
+#include <csignal>
 #include <exception>
 #include <iostream>
 #include <map>
@@ -200,6 +201,8 @@ GLogWriterOutput no_output(GLogLevelFlags, GLogField const *, gsize, gpointer) {
 int main(int count, char **arguments) {
   fax::speak(fax::catalogue_folders());
   g_log_set_writer_func(no_output, nullptr, nullptr);
+  // A file that may not grow shows as a failed write.
+  std::signal(SIGXFSZ, SIG_IGN);
   std::ios::sync_with_stdio(false);
   try {
     return Program().run(count, arguments);

@@ -14,6 +14,7 @@
 
 #import "host/HostExtension.h"
 #import "host/controls.h"
+#import "host/fence.h"
 #import "toolkit/text.h"
 
 using namespace fax::host;
@@ -392,8 +393,9 @@ NSString *own_help_page() {
   [_overlay printPressed];
   _state->printing = true;
   [_window setStatus:@""];
-  [self runPrint];
+  NSException *const raised = fenced([&] { [self runPrint]; });
   _state->printing = false;
+  if (raised) [raised raise];
 }
 
 - (void)runPrint {

@@ -3,6 +3,7 @@
 #include <set>
 #include <vector>
 
+#import "host/HostEventFence.h"
 #import "host/HostScreenMap.h"
 #import "host/controls.h"
 #import "toolkit/text.h"
@@ -15,6 +16,7 @@ using namespace fax::toolkit;
 - (void)show:(NSInteger)item;
 - (void)restore:(HostPanel *)panel;
 - (BOOL)save:(HostPanel *)panel;
+- (void)tellFailure:(NSString *)what;
 @end
 
 // A view that says one sentence.
@@ -38,10 +40,15 @@ static NSView *NoticeView(NSString *text) {
   _features = [[HostFeatures alloc] initWithOwner:self];
   _summary = [HostSummary new];
   _shown = -1;
+  [[NSNotificationCenter defaultCenter] addObserver:self
+                                           selector:@selector(eventDidFail:)
+                                               name:HostEventDidFail
+                                             object:nil];
   return self;
 }
 
 - (void)dealloc {
+  [[NSNotificationCenter defaultCenter] removeObserver:self];
   [self drop];
   [_features release];
   [_summary release];
@@ -231,6 +238,14 @@ static NSView *NoticeView(NSString *text) {
 }
 
 - (void)panel:(HostPanel *)panel didRaise:(NSString *)what {
+  [self tellFailure:what];
+}
+
+- (void)eventDidFail:(NSNotification *)notification {
+  [self tellFailure:[notification object]];
+}
+
+- (void)tellFailure:(NSString *)what {
   [_window setStatus:what];
   [_news tellOnce:utf8(what)];
 }

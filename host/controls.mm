@@ -36,7 +36,7 @@ void collect(NSView *view, NSMutableArray *found) {
   for (NSUInteger at = 0; at < [inner count]; ++at) collect([inner objectAtIndex:at], found);
 }
 
-NSInteger reading_order(id one, id other, void *) {
+NSComparisonResult reading_order(id one, id other, void *) {
   NSRect const a = [one convertRect:[one bounds] toView:nil];
   NSRect const b = [other convertRect:[other bounds] toView:nil];
   // Controls whose middles lie within half a line of each other are on one line.

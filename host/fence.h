@@ -13,32 +13,31 @@ NSException *HostFence(void (*work)(void *), void *context);
 #ifdef __cplusplus
 }
 
+#include <cxxabi.h>
+
 #include <exception>
 #include <type_traits>
+#include <typeinfo>
 
 namespace fax::host {
 
-// The same for any callable. A C++ exception comes back as an NSException that carries its text.
+inline NSException *foreign_exception(char const *what) {
+  return [NSException exceptionWithName:NSGenericException reason:[NSString stringWithUTF8String:what] userInfo:nil];
+}
+
+// The same for any callable, and for everything that can be thrown: what is no NSException comes back as one that
+// carries its text, or else the name of its type.
 template <typename Work>
 NSException *fenced(Work &&work) {
   using Body = std::remove_reference_t<Work>;
-  struct Call {
-    Body &body;
-    NSException *foreign;
-  } call{work, nil};
-  NSException *caught = HostFence(
-      [](void *context) {
-        auto *it = static_cast<Call *>(context);
-        try {
-          it->body();
-        } catch (std::exception const &error) {
-          it->foreign = [NSException exceptionWithName:NSGenericException
-                                                reason:[NSString stringWithUTF8String:error.what()]
-                                              userInfo:nil];
-        }
-      },
-      &call);
-  return caught ? caught : call.foreign;
+  try {
+    return HostFence([](void *body) { (*static_cast<Body *>(body))(); }, &work);
+  } catch (std::exception const &error) {
+    return foreign_exception(error.what());
+  } catch (...) {
+    std::type_info const *const type = abi::__cxa_current_exception_type();
+    return foreign_exception(type ? type->name() : "id");
+  }
 }
 
 }  // namespace fax::host

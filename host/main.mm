@@ -284,6 +284,8 @@ int main(int argc, char **argv) {
   char program[] = "faxprint";
   char *own[] = {argc > 0 ? argv[0] : program, nullptr};
   [NSProcessInfo initializeWithArguments:own count:1 environment:environ];
+  // A file that may not grow shows as a failed write.
+  std::signal(SIGXFSZ, SIG_IGN);
   NSAutoreleasePool *pool = [NSAutoreleasePool new];
   int const code = Run({argv + (argc > 0 ? 1 : 0), argv + argc});
   [pool release];

@@ -126,7 +126,9 @@ UInt32 Abif_Initialize(void *) {
 
 void AbifDevice_SetDestinationDevice(void *, UInt32 with_address, CFStringRef address, UInt32) {
   answered([&] {
-    printer_book().set_address(with_address == 0 ? "" : utf8_in(address).value_or(""));
+    // First none: where the new address cannot be kept, the old one would be that of another printer.
+    printer_book().set_address("");
+    if (with_address != 0) printer_book().set_address(utf8_in(address).value_or(""));
     return Status::success;
   });
 }
@@ -137,8 +139,9 @@ UInt32 AbifDevice_GetStatus(void *, void *) {
 
 UInt32 AbifDevice_ReadData(void *, ABIFDataRef data, UInt32, CFStringRef password) {
   return answered([&] {
-    if (data == nullptr) return Status::argument;
-    return printer_book().read(utf8_in(password).value_or(""), data->data);
+    auto const text = utf8_in(password);
+    if (data == nullptr || (password != nullptr && !text)) return Status::argument;
+    return printer_book().read(text.value_or(""), data->data);
   });
 }
 

@@ -91,7 +91,10 @@ Status check_structure(sqlite3 *database) {
   Statement check(database, "PRAGMA integrity_check(1)");
   int const code = check.step();
   if (code != SQLITE_ROW) return status_of(database, code);
-  return check.text(0) == "ok" ? Status::success : Status::damaged;
+  if (check.text(0) == "ok") return Status::success;
+  // The look itself can fail: it says so behind its last row.
+  Status const status = status_of(database, check.step());
+  return status == Status::success ? Status::damaged : status;
 }
 
 // Whether ids of a table come in order and its texts are no longer than the file: broken page links can give the same
@@ -100,14 +103,19 @@ class Plausible {
 public:
   explicit Plausible(sqlite3 *database) {
     Statement size(database, "SELECT page_count * page_size FROM pragma_page_count, pragma_page_size");
-    if (size.step() == SQLITE_ROW) bytes_left_ = 2 * size.integer(0);  // UTF-16 in the file can be longer as UTF-8
+    int const code = size.step();
+    known_ = code == SQLITE_ROW ? Status::success : status_of(database, code);
+    if (code == SQLITE_ROW) bytes_left_ = 2 * size.integer(0);  // UTF-16 in the file can be longer as UTF-8
   }
+  // Other than success: the size of the file could not be read.
+  Status known() const { return known_; }
   bool row(std::int64_t id, std::int64_t greatest, std::size_t bytes) {
     bytes_left_ -= static_cast<std::int64_t>(bytes);
     return id > std::exchange(last_, id) && id <= greatest && bytes_left_ >= 0;
   }
 
 private:
+  Status known_;
   std::int64_t last_ = 0;
   std::int64_t bytes_left_ = 0;
 };
@@ -145,6 +153,7 @@ constexpr std::int64_t not_all = -1;
 // seen: how many rows there were, or not_all when the visitor wanted no more.
 Status read_individuals(sqlite3 *database, Statement &rows, VisitIndividual const &visit, std::int64_t &seen) {
   Plausible plausible(database);
+  if (plausible.known() != Status::success) return plausible.known();
   int code;
   while ((code = rows.step()) == SQLITE_ROW) {
     std::int64_t const id = rows.integer(0);
@@ -220,6 +229,7 @@ Status read_groups(sqlite3 *database, VisitGroup const &visit) {
   Statement rows(database, "SELECT id, name FROM groups ORDER BY id");
   Members all(database);
   Plausible plausible(database);
+  if (plausible.known() != Status::success) return plausible.known();
   std::vector<std::uint32_t> members;
   std::int64_t seen = 0;
   int code;

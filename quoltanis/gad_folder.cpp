@@ -1,9 +1,12 @@
 #include "quoltanis/gad_file.h"
 
+#include <dirent.h>
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <cstdlib>
-#include <filesystem>
-#include <system_error>
+#include <memory>
+#include <utility>
 
 namespace fax::gad {
 namespace {
@@ -13,11 +16,15 @@ std::string absolute_path_in(char const *variable) {
   return value != nullptr && value[0] == '/' ? value : "";
 }
 
-bool is_book(std::filesystem::directory_entry const &entry) {
-  std::error_code error;
-  std::string const name = entry.path().filename().string();
-  return name.ends_with(".gad") && !name.starts_with('.') && entry.is_regular_file(error) && !error;
+bool is_book(std::string const &folder, std::string const &name) {
+  struct stat about {};
+  return name.ends_with(".gad") && !name.starts_with('.') && stat((folder + "/" + name).c_str(), &about) == 0 &&
+         S_ISREG(about.st_mode);
 }
+
+struct CloseFolder {
+  void operator()(DIR *folder) const { closedir(folder); }
+};
 
 }  // namespace
 
@@ -32,12 +39,13 @@ std::string folder() {
   return data + "/directfax/addressbooks";
 }
 
+// By the system's own calls: the C++ library's walk over a folder ends the program when memory runs out in its midst.
 std::vector<std::string> files(std::string const &folder) {
   std::vector<std::string> names;
-  std::error_code error;
-  std::filesystem::directory_iterator entries(folder, error);
-  for (; !error && entries != std::filesystem::directory_iterator(); entries.increment(error))
-    if (is_book(*entries)) names.push_back(entries->path().filename().string());
+  std::unique_ptr<DIR, CloseFolder> const entries(opendir(folder.c_str()));
+  if (!entries) return names;
+  while (dirent const *const entry = readdir(entries.get()))
+    if (std::string name = entry->d_name; is_book(folder, name)) names.push_back(std::move(name));
   std::ranges::sort(names);
   return names;
 }

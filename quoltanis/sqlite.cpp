@@ -1,6 +1,7 @@
 #include "quoltanis/sqlite.h"
 
 #include <cerrno>
+#include <new>
 
 namespace fax::gad {
 
@@ -61,10 +62,12 @@ Statement::Statement(sqlite3 *database, char const *sql) {
 int Statement::step() { return failure_ != SQLITE_OK ? failure_ : sqlite3_step(statement_.get()); }
 
 std::string_view Statement::text(int column) {
-  int const size = sqlite3_column_bytes(statement_.get(), column);
-  if (size <= 0) return {};
-  auto const *bytes = reinterpret_cast<char const *>(sqlite3_column_text(statement_.get(), column));
-  return bytes == nullptr ? std::string_view() : std::string_view(bytes, static_cast<std::size_t>(size));
+  sqlite3_stmt *const row = statement_.get();
+  auto const *bytes = reinterpret_cast<char const *>(sqlite3_column_text(row, column));
+  if (bytes != nullptr) return {bytes, static_cast<std::size_t>(sqlite3_column_bytes(row, column))};
+  // An absent text looks the same as one that there is no room for.
+  if ((sqlite3_errcode(sqlite3_db_handle(row)) & 0xFF) == SQLITE_NOMEM) throw std::bad_alloc();
+  return {};
 }
 
 void Statement::bind_at(int at, std::int64_t value) {

@@ -39,7 +39,7 @@ public:
   void reset() { sqlite3_reset(statement_.get()); }
 
   std::int64_t integer(int column) { return sqlite3_column_int64(statement_.get(), column); }
-  // Lives until the next step or reset.
+  // Lives until the next step or reset. std::bad_alloc when there is no room for it.
   std::string_view text(int column);
 
 private:

@@ -115,9 +115,12 @@ DevicePlace place_of_host(std::string const &device_uri, UriParts const &parts, 
   }
   place.route = Route::address;
   place.host = address->text;
-  // CUPS reads "//host" as "ipp://host"; a panel does not.
-  bool const as_it_is = place.scheme == panel_scheme(place.scheme) && device_uri.find(':') == place.scheme.size() &&
-                        parts.resource.starts_with('/') && is_plain_address(parts.host);
+  // CUPS reads "//host" as "ipp://host"; a panel does not. Nor does it read a user's name before the host as CUPS does.
+  std::string const before_host = place.scheme + "://";
+  bool const in_place = device_uri.starts_with(before_host + parts.host) ||
+                        device_uri.starts_with(before_host + "[" + parts.host);
+  bool const as_it_is = in_place && place.scheme == panel_scheme(place.scheme) && parts.resource.starts_with('/') &&
+                        is_plain_address(parts.host);
   place.panel_uri = as_it_is ? device_uri : with_address(device_uri, *address);
   return place;
 }
@@ -140,7 +143,7 @@ std::optional<NumericAddress> numeric_address(std::string_view host) {
   hints.ai_flags = AI_NUMERICHOST;
   addrinfo *found = nullptr;
   if (spelled.empty() || getaddrinfo(spelled.c_str(), nullptr, &hints, &found) != 0) return std::nullopt;
-  auto const address = numeric_address(found->ai_addr);
+  auto address = numeric_address(found->ai_addr);
   freeaddrinfo(found);
   return address;
 }

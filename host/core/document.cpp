@@ -35,7 +35,7 @@ struct Document::State {
 
 namespace {
 
-constexpr std::size_t kPiece = 64 * 1024;
+constexpr std::size_t kPiece = 65536;
 constexpr std::size_t kLongestTitle = 255;  // bytes; the longest job name that IPP allows
 
 Failure unusable(std::string what, std::string advice) {
@@ -112,7 +112,7 @@ Result<Document> Document::open(std::string const &path) {
   return document;
 }
 
-Result<Document> Document::of_file(Descriptor file, std::string title) {
+Result<Document> Document::of_file(Descriptor file, std::string const &title) {
   auto const state = std::make_shared<State>();
   state->descriptor = file.release();
   state->title = title;
@@ -127,7 +127,7 @@ Result<Document> Document::of_file(Descriptor file, std::string title) {
   return document;
 }
 
-Result<Document> Document::of_stream(int descriptor, std::string const &name, std::string title) {
+Result<Document> Document::of_stream(int descriptor, std::string const &name, std::string const &title) {
   Descriptor file = unnamed_file();
   if (!file) return cannot_spool(name);
   std::vector<char> buffer(kPiece);
@@ -141,7 +141,7 @@ Result<Document> Document::of_stream(int descriptor, std::string const &name, st
     size += static_cast<std::uint64_t>(got);
   }
   if (size == 0) return empty(name, tr("Look whether the program before the pipe failed."));
-  return of_file(std::move(file), std::move(title));
+  return of_file(std::move(file), title);
 }
 
 Document Document::of_bytes(std::string bytes, std::string title) {

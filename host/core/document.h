@@ -22,10 +22,10 @@ public:
   // Everything that descriptor gives until its end, kept in a file without a name; name stands for it in sentences. It
   // stays the caller's. Waits for as long as the other side writes. Failure (ExitCode::file): a read error, no room, or
   // nothing came.
-  static Result<Document> of_stream(int descriptor, std::string const &name, std::string title);
+  static Result<Document> of_stream(int descriptor, std::string const &name, std::string const &title);
 
   // A file that was made for this document alone. Failure (ExitCode::file): it cannot be read.
-  static Result<Document> of_file(Descriptor file, std::string title);
+  static Result<Document> of_file(Descriptor file, std::string const &title);
 
   // A document in memory.
   static Document of_bytes(std::string bytes, std::string title);

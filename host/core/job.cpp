@@ -14,7 +14,7 @@ namespace fax::host {
 
 namespace {
 
-constexpr std::size_t kPiece = 64 * 1024;
+constexpr std::size_t kPiece = 65536;
 constexpr std::size_t kLongestTitle = 255;  // bytes; the longest job name that IPP allows
 constexpr int kMostCopies = 9999;
 constexpr int kWithdrawSeconds = 5;  // the user waits for it, and nothing is lost where it fails
@@ -172,8 +172,12 @@ private:
     }
     if (status != HTTP_STATUS_CONTINUE) return broken_off(status);
     restart_clock();
-    ipp_status_t const finished = cupsFinishDocument(connection_.get(), request_.queue.c_str());
+    // Not by cupsFinishDocument(): where no answer comes that gives the last one, which was a good one.
+    ipp_t *const answer = cupsGetResponse(connection_.get(), ("/printers/" + request_.queue).c_str());
+    ipp_status_t const finished = answer ? ippGetStatusCode(answer) : cupsLastError();
+    ippDelete(answer);
     if (stopped_) return cancelled();
+    if (!answer && finished <= IPP_STATUS_OK_EVENTS_COMPLETE) return broken_off(HTTP_STATUS_ERROR);
     if (finished > IPP_STATUS_OK_EVENTS_COMPLETE) return refusal(finished, last_error(), request_);
     return std::nullopt;
   }

@@ -7,6 +7,7 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <sstream>
+#include <string_view>
 #include <strings.h>
 #include <unistd.h>
 
@@ -21,7 +22,7 @@ namespace fs = std::filesystem;
 using Json = nlohmann::json;
 
 constexpr int kVersion = 1;
-constexpr std::uintmax_t kLargestFile = 1024 * 1024;
+constexpr std::uintmax_t kLargestFile = 1 << 20;
 constexpr int kLargestSide = 32767;  // of a window, at an X server
 
 Failure not_understood(fs::path const &file) {
@@ -72,8 +73,13 @@ bool names(std::vector<Setting> const &settings, std::string const &key) {
 int write_new(std::string &pattern, std::string const &text) {
   Descriptor const file(mkstemp(pattern.data()));
   if (!file) return errno;
-  bool const written = write(file.get(), text.data(), text.size()) == static_cast<ssize_t>(text.size());
-  return written && fsync(file.get()) == 0 ? 0 : (errno ? errno : ENOSPC);
+  for (std::string_view left = text; !left.empty();) {
+    ssize_t const written = write(file.get(), left.data(), left.size());
+    if (written < 0 && errno == EINTR) continue;
+    if (written < 0) return errno;
+    left.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return fsync(file.get()) == 0 ? 0 : errno;
 }
 
 }  // namespace

@@ -36,6 +36,8 @@ NSImage *image(Picture const &picture) {
   [bitmap setSize:size];
   NSImage *made = [[NSImage alloc] initWithSize:size];
   [made addRepresentation:bitmap];
+  // The toolkit would keep a copy in a window of its own, one that suits no scale but 1.
+  [made setCacheMode:NSImageCacheNever];
   [bitmap release];
   return [made autorelease];
 }

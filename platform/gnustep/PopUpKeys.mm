@@ -17,7 +17,7 @@ bool is_open(NSPopUpButton *popUp) { return [[menu_of(popUp) window] isVisible];
 
 bool can_choose(NSPopUpButton *popUp, NSInteger at) {
   if (at < 0 || at >= [popUp numberOfItems]) return false;
-  NSMenuItem *const item = [popUp itemAtIndex:at];
+  NSMenuItem *const item = (NSMenuItem *)[popUp itemAtIndex:at];
   return [item isEnabled] && ![item isSeparatorItem];
 }
 

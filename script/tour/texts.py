@@ -6,9 +6,6 @@ import os
 import re
 
 DOMAIN = "directfax"
-# The folders of a bundle's texts that go by a name instead of a code.
-FOLDERS = {"ja": "Japanese", "de": "German", "fr": "French", "es": "Spanish", "it": "Italian", "nl": "Dutch",
-           "ko": "Korean"}
 LOCALES = {"ja": "ja_JP", "de": "de_DE", "fr": "fr_FR", "es": "es_ES", "it": "it_IT", "nl": "nl_NL", "pt_BR": "pt_BR",
            "zh_CN": "zh_CN", "ko": "ko_KR", "en": "en_US"}
 ENTRY = re.compile(r'"((?:[^"\\]|\\.)*)"\s*=\s*"((?:[^"\\]|\\.)*)"\s*;')
@@ -33,15 +30,16 @@ def read_strings(path):
 def read_ppd(path, language):
     """Pairs of an English text and the other one, of options and their choices."""
     english, other = {}, {}
+    code = f"(?:{language}|{language.split('_')[0]})"
     with open(path, encoding="utf-8") as file:
         for line in file:
             if match := re.match(r"\*OpenUI \*(\w+)/([^:]*):", line):
                 english[match[1], None] = match[2]
             elif match := re.match(r"\*(\w+) (\w+)/([^:]*):", line):
                 english[match[1], match[2]] = match[3]
-            elif match := re.match(rf"\*{language}\.Translation (\w+)/([^:]*):", line):
+            elif match := re.match(rf"\*{code}\.Translation (\w+)/([^:]*):", line):
                 other[match[1], None] = match[2]
-            elif match := re.match(rf"\*{language}\.(\w+) (\w+)/([^:]*):", line):
+            elif match := re.match(rf"\*{code}\.(\w+) (\w+)/([^:]*):", line):
                 other[match[1], match[2]] = match[3]
     return [(text, other[key]) for key, text in english.items() if key in other]
 
@@ -58,10 +56,10 @@ class Texts:
         resources = os.path.join(build, "DirectFax.bundle", "Resources")
         for table in glob.glob(os.path.join(resources, "English.lproj", "*.strings")):
             english = read_strings(table)
-            for folder in (language, language.replace("_", "-"), FOLDERS.get(language, language)):
-                other = read_strings(os.path.join(resources, f"{folder}.lproj", os.path.basename(table)))
-                for key in english.keys() & other.keys():
-                    self.add(english[key], other[key])
+            folder = {"zh_CN": "zh-Hans"}.get(language, language.replace("_", "-"))
+            other = read_strings(os.path.join(resources, f"{folder}.lproj", os.path.basename(table)))
+            for key in english.keys() & other.keys():
+                self.add(english[key], other[key])
         for ppd in glob.glob(os.path.join(build, "driver", "*.ppd")):
             for english, other in read_ppd(ppd, language):
                 self.add(english, other)
@@ -76,6 +74,10 @@ class Texts:
             if (other := self.catalogue.gettext(text)) != text:
                 found.add(other.removesuffix(end).removesuffix("\uff1a" if end else "").strip())
         return found | {english}
+
+    def filled(self, english, *values):
+        """A text with places such as {0}, in the language, with the values in them."""
+        return self.catalogue.gettext(english).format(*values)
 
     def says(self, shown, english):
         return shown in self.forms(english)

@@ -9,8 +9,9 @@
 int main(int argc, char **argv) {
   NSAutoreleasePool *pool = [NSAutoreleasePool new];
   testing::InitGoogleTest(&argc, argv);
-  [NSApplication sharedApplication];
+  // Asked for when the application object is made.
   [[NSUserDefaults standardUserDefaults] setObject:@"YES" forKey:@"GSSuppressAppIcon"];
+  [NSApplication sharedApplication];
   [NSApp finishLaunching];
   int failed = RUN_ALL_TESTS();
   [pool release];

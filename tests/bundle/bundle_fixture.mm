@@ -31,7 +31,8 @@ NSInteger run_alert(NSAlert *alert, SEL) {
 NSInteger run_window(NSApplication *application, SEL command, NSWindow *window) {
   if (the_script) {
     [window makeKeyAndOrderFront:nil];
-    the_script();
+    auto const script = the_script;  // it may set the next one
+    script();
     return NSRunStoppedResponse;
   }
   return own_run_modal_for_window(application, command, window);

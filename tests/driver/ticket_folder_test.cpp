@@ -23,9 +23,28 @@ TEST(NewFile, is_seen_only_when_it_is_whole) {
   EXPECT_TRUE(std::filesystem::is_empty(folder.path())) << "an abandoned file stays";
   {
     NewFile file{folder.path()};
+    file.publish("job-1.pdf");
+    EXPECT_TRUE(std::filesystem::exists(path));
+  }
+  EXPECT_TRUE(std::filesystem::is_empty(folder.path())) << "one of a job that failed stays";
+  {
+    NewFile first{folder.path()}, second{folder.path()};
+    first.publish("job-1.pdf");
+    second.publish("job-1.json");
+    remove_unfinished_files();
+    EXPECT_TRUE(std::filesystem::is_empty(folder.path())) << "one of a job that was cancelled stays";
+    second.keep();
+    std::ofstream{folder.path() / "job-1.json"};
+    remove_unfinished_files();
+    EXPECT_TRUE(std::filesystem::exists(folder.path() / "job-1.json")) << "one that was kept is taken away";
+    std::filesystem::remove(folder.path() / "job-1.json");
+  }
+  {
+    NewFile file{folder.path()};
     file.write("all ");
     file.write("of it");
     file.publish("job-1.pdf");
+    file.keep();
   }
   EXPECT_EQ(test::contents(path), "all of it");
   struct stat status {};
@@ -66,6 +85,7 @@ TEST(CopyDocument, gives_every_byte_to_both_sides) {
     NewFile file{folder.path()};
     auto const copied = copy_document(in, out, file);
     file.publish("copy");
+    file.keep();
     ::close(in);
     ::close(out);
     EXPECT_EQ(copied.bytes, size);

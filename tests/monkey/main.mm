@@ -180,8 +180,9 @@ void monkey::fail(std::string const &fault) { the_monkey->fail(fault); }
 
 int main() {
   NSAutoreleasePool *pool = [NSAutoreleasePool new];
-  [NSApplication sharedApplication];
+  // Asked for when the application object is made.
   [[NSUserDefaults standardUserDefaults] setObject:@"YES" forKey:@"GSSuppressAppIcon"];
+  [NSApplication sharedApplication];
   [NSApp finishLaunching];
   // The toolkit takes a bare argument for a document to open.
   NSUserDefaults *arguments = [NSUserDefaults standardUserDefaults];

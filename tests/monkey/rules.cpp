@@ -15,7 +15,11 @@ std::string broken_windows(Seen const &seen) {
   for (char const *name : {"fax", "book", "user", "group"})
     if (has(seen.windows, name)) due.push_back(name);
   if (!seen.alert.empty()) due.push_back("alert");
-  if (!std::ranges::is_permutation(seen.windows, due)) return "a window is left over or missing";
+  if (!std::ranges::is_permutation(seen.windows, due)) {
+    std::string all = "a window is left over or missing among";
+    for (auto const &name : seen.windows) all += " " + name;
+    return all;
+  }
   if (has(due, "book") && !has(due, "fax")) return "the address book stands without the fax dialog";
   if (has(due, "user") && has(due, "group")) return "two property panels at a time";
   if ((has(due, "user") || has(due, "group")) && !has(due, "book")) return "a property panel stands alone";

@@ -330,6 +330,31 @@ TEST_F(PrinterBookTest, ServersThatMisbehave) {
   }
 }
 
+// One whole conversation, cut off before each of its messages: what was read before stays.
+TEST_F(PrinterBookTest, AConversationCutAnywhereKeepsWhatWasRead) {
+  constexpr int whole = 5;
+  std::atomic<int> left = whole;
+  FakeServer const server([&](Line const &line) {
+    int budget = left, bind = 0, search = 0;
+    auto const say = [&](std::string const &text) { return budget-- > 0 && line.send(text); };
+    bind = line.request();
+    if (!say(result(bind, 0x61, 0))) return;
+    search = line.request();
+    for (char const *name : {"cn=a", "cn=b", "cn=c"})
+      if (!say(entry(search, name, ann))) return;
+    if (say(result(search, 0x65, 0))) line.idle();
+  });
+  PrinterBook const book = configured(base + plain + "port = " + std::to_string(server.port()) + "\n");
+  ASSERT_EQ(book.read("1234", data), Status::success);
+  std::size_t const contacts = data.individuals(Source::printer);
+  EXPECT_GT(contacts, 0u);
+  for (left = 0; left < whole; ++left) {
+    EXPECT_EQ(book.read("1234", data), Status::unreachable) << left;
+    EXPECT_EQ(data.individuals(Source::printer), contacts) << left;
+  }
+  EXPECT_EQ(book.read("1234", data), Status::success);
+}
+
 TEST_F(PrinterBookTest, AnEmptyPasswordIsNeverSent) {
   std::atomic<int> connections = 0;
   FakeServer const server([&](Line const &) { ++connections; });

@@ -4,6 +4,7 @@
 #include <array>
 #include <chrono>
 #include <gmock/gmock.h>
+#include <iostream>
 #include <random>
 
 #include "host/core/option_guard.h"
@@ -166,6 +167,28 @@ TEST_F(Submission, ConnectionLostInTheMiddle) {
   EXPECT_THAT(failure.what, HasSubstr("broke after"));
   EXPECT_THAT(failure.what, HasSubstr("of " + std::to_string(kLarge) + " bytes"));
   EXPECT_THAT(failure.advice, HasSubstr("cancel 1")) << "it could not be taken back";
+}
+
+// Before the first byte, and behind the last one: what is left in the queue is named, or there is nothing.
+TEST_F(Submission, ConnectionLostBeforeAndBehindTheDocument) {
+  for (bool const at_end : {false, true}) {
+    SCOPED_TRACE(at_end);
+    if (at_end) start("");
+    bool killed = false;
+    Failure const failure = refused(request_of(document_of(5000)), [&](std::uint64_t done, std::uint64_t total) {
+      if (!killed && done >= (at_end ? total : 0)) {
+        killed = true;
+        cups_->kill_now();
+      }
+      return true;
+    });
+    EXPECT_TRUE(killed);
+    EXPECT_TRUE(failure.code == ExitCode::submission || failure.code == ExitCode::queue);
+    EXPECT_NE(failure.what, "");
+    std::cout << failure.text() << "\n";
+    bool const created = failure.what.find("broke after") != std::string::npos;
+    EXPECT_TRUE(!created || failure.advice.find("cancel 1") != std::string::npos) << failure.advice;
+  }
 }
 
 TEST_F(Submission, ServiceThatStopsAnsweringIsBounded) {

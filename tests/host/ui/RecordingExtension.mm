@@ -1,10 +1,13 @@
 // A print dialog extension for tests: one panel that notes every call and answers as it is told.
 //
 // Both go through the main thread's dictionary, so that the test program needs no name of this bundle: "calls" is an
-// NSMutableArray of texts such as "shouldHide", "answers" maps an operation to NO ("0"), to "raise", or to "dialog" for
-// a modal window with a Help and a Start button. Under "deviceURI" stands there what the panel was given, "none" for
-// none.
+// NSMutableArray of texts such as "shouldHide", "answers" maps an operation to NO ("0"), to an exception ("raise",
+// "throw", "throw a number"), or to "dialog" for a modal window with a Help and a Start button. Under "deviceURI" stands
+// there what the panel was given, "none" for none. An answer for "tick" has the panel start a timer.
 #include <PrintCore/PDEPluginInterface.h>
+
+#include <stdexcept>
+#include <string>
 
 @interface RecordingPanel : NSObject <PDEPanel> {
   id<PDEPluginCallback> _host;
@@ -34,8 +37,23 @@ static BOOL Note(NSString *call) {
   NSString *operation = [[call componentsSeparatedByString:@" "] objectAtIndex:0];
   NSString *answer = [[shared objectForKey:@"answers"] objectForKey:operation];
   if ([answer isEqual:@"raise"]) [NSException raise:@"RecordingException" format:@"told to raise in %@", operation];
+  if ([answer isEqual:@"throw"]) throw std::runtime_error(std::string("told to throw in ") + [operation UTF8String]);
+  if ([answer isEqual:@"throw a number"]) throw 42;
   return ![answer isEqual:@"0"];
 }
+
+// Notes a click beside its controls.
+@interface RecordingView : NSView
+@end
+
+@implementation RecordingView
+- (BOOL)acceptsFirstMouse:(NSEvent *)event {
+  return YES;
+}
+- (void)mouseDown:(NSEvent *)event {
+  Note(@"mouseDown");
+}
+@end
 
 static void NoteDeviceURI(PMPrinter printer) {
   CFURLRef uri = NULL;
@@ -93,8 +111,11 @@ static void NoteDeviceURI(PMPrinter printer) {
 - (NSView *)panelView {
   Note(@"panelView");
   if (_view) return _view;
+  if ([[[[NSThread mainThread] threadDictionary] objectForKey:@"answers"] objectForKey:@"tick"]) {
+    [NSTimer scheduledTimerWithTimeInterval:0 target:self selector:@selector(tick:) userInfo:nil repeats:NO];
+  }
   // Larger than the dialog has room for at first, and it would grow with what it lies in.
-  _view = [[NSView alloc] initWithFrame:NSMakeRect(0, 0, 620, 280)];
+  _view = [[RecordingView alloc] initWithFrame:NSMakeRect(0, 0, 620, 280)];
   [_view setAutoresizingMask:NSViewWidthSizable | NSViewHeightSizable];
   [_view addSubview:[self label:@"Image Quality:" at:47]];
   qualityPopUp = [[[NSPopUpButton alloc] initWithFrame:NSMakeRect(150, 44, 260, 24) pullsDown:NO] autorelease];
@@ -206,6 +227,10 @@ static void NoteDeviceURI(PMPrinter printer) {
 
 - (void)start:(id)sender {
   [NSApp stopModalWithCode:1];
+}
+
+- (void)tick:(NSTimer *)timer {
+  Note(@"tick");
 }
 
 - (void)choose:(id)sender {

@@ -128,12 +128,22 @@ void Dialog::come_round() {
 std::vector<std::string> Dialog::calls() const { return texts_of(calls_); }
 std::vector<std::string> Dialog::told() const { return texts_of(alerts_->told); }
 
-id Dialog::control(NSString *name) {
+static id control_now(NSString *name) {
   id found = nil;
   NSArray *windows = [NSApp windows];
   for (NSUInteger at = 0; at < [windows count] && !found; ++at) {
     NSWindow *window = [windows objectAtIndex:at];
     if ([window isVisible]) find_in([window contentView], name, found);
+  }
+  return found;
+}
+
+// A window that the window manager still makes larger does not show all of its controls yet.
+id Dialog::control(NSString *name) {
+  id found = control_now(name);
+  for (int tries = 0; tries < 20 && !found; ++tries) {
+    come_round();
+    found = control_now(name);
   }
   return found;
 }
