@@ -2,6 +2,8 @@
 #
 #   directfax_test(support_test SOURCES cipher_test.cpp USES support)
 #   directfax_test(panel_test DISPLAY SOURCES panel_test.mm USES platform LIBRARIES GNUstep::Gui)
+#
+# A test with the label "once" runs in release only: what it looks at is the same under the sanitizers.
 find_package(GTest REQUIRED)
 
 function(directfax_test name)

@@ -19,6 +19,7 @@ SCRIPTS = os.path.join(HERE, "..", "..", "script")
 sys.path.insert(0, os.path.join(SCRIPTS, "tour"))
 sys.dont_write_bytecode = True
 from screen import Screen, TourError, run, run_tour, wait_for  # noqa: E402
+from texts import Texts  # noqa: E402
 
 NOTHING_KEPT = "Nothing is remembered for the next use"
 FONT = "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf"
@@ -99,7 +100,7 @@ def print_into_file(arguments, work, server, row):
     faxprint = os.path.join(arguments.build, "faxprint.app", "faxprint")
     command = [*before, faxprint, "--ui-map", map_file, "--to", "file", "--output", target, arguments.file]
     with Program(work, {**changes, "CUPS_SERVER": server}, command) as program:
-        screen = Screen(map_file, arguments.pictures, program.process)
+        screen = Screen(map_file, arguments.pictures, program.process, Texts(arguments.build))
         wait_for("the print dialog with its page", lambda: (screen.key_window() or {}).get("controls"))
         screen.picture(name)
         screen.keys("shift+Tab", "Return")  # from the first control to the last, which is Print
