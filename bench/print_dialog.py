@@ -18,6 +18,7 @@ import tempfile
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.dirname(os.path.abspath(__file__))), "script", "tour"))
 from screen import Screen, TourError, wait_for  # noqa: E402
+from texts import Texts  # noqa: E402
 
 PANEL_BAR, FAX_DIALOG_BAR = 60, 100  # milliseconds
 FAX_DIALOG = "Send Fax"
@@ -34,7 +35,8 @@ class Dialog:
             ["timeout", "-s", "KILL", PATIENCE, program, "--timing", "--ui-map", map_file, "--printer", "fax", document],
             stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, encoding="utf-8",
             start_new_session=True)
-        self.screen = Screen(map_file, self.folder.name, self.process)
+        build = os.path.dirname(os.path.dirname(program))
+        self.screen = Screen(map_file, self.folder.name, self.process, Texts(build))
 
     def __enter__(self):
         return self
