@@ -6,7 +6,7 @@ import shutil
 import signal
 import subprocess
 
-from screen import expect, run, wait_for
+from screen import expect, wait_for
 
 OPEN_EDITOR = "Open Address Book Editor..."
 EDITOR = "Address Book Editor"
@@ -43,6 +43,18 @@ class Editor:
                 pass
 
 
+def is_shown(title):
+    """Another window may go while xdotool looks at it, which ends the search; whoever waits asks again."""
+    found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", f"^{title}$"], capture_output=True, check=False)
+    return found.returncode == 0 and found.stdout.strip()
+
+
+def bring_forward(title):
+    done = subprocess.run(["xdotool", "search", "--name", f"^{title}$", "windowactivate", "--sync"], capture_output=True,
+                          timeout=30, check=False)
+    return done.returncode == 0
+
+
 def active_title():
     shown = subprocess.run(["xdotool", "getactivewindow", "getwindowname"], capture_output=True, encoding="utf-8",
                            check=False)
@@ -57,8 +69,8 @@ def open_editor(screen, panel, editor):
     editor.install()
     screen.press(panel, OPEN_EDITOR)
     process = wait_for("the editor", editor.started)[0]
-    run("xdotool", "search", "--sync", "--onlyvisible", "--name", f"^{EDITOR}$")
-    run("xdotool", "search", "--name", f"^{panel}$", "windowactivate", "--sync")
+    wait_for("the editor's window", lambda: is_shown(EDITOR))
+    wait_for("the dialog to be brought forward", lambda: bring_forward(panel))
     screen.press(panel, OPEN_EDITOR)
     wait_for("the editor to come forward", lambda: active_title() == EDITOR)
     screen.picture_of_active_window("address-book-editor")
