@@ -3,10 +3,8 @@
 #include "allocations.h"
 
 #include "../quoltanis/books.h"
-#include "quoltanis/QUOLTANIS.h"
+#include "../quoltanis/operations.h"
 #include "quoltanis/records.h"
-
-#include <dlfcn.h>
 
 #include <algorithm>
 #include <iostream>
@@ -15,14 +13,6 @@ namespace fax {
 namespace {
 
 constexpr UInt32 kSuccess = 0, kMemory = 0x20000102, kArgument = 0x20000101, kNoAddress = 0x20000120, kUnreachable = 0x20000122;
-
-// Bound by name, as programs do; the library is opened, not linked.
-template <typename Operation>
-Operation *bound(char const *name) {
-  static void *const library = dlopen(LIBRARY, RTLD_NOW | RTLD_LOCAL);
-  return library == nullptr ? nullptr : reinterpret_cast<Operation *>(dlsym(library, name));
-}
-#define OPERATION(name) decltype(&::name) const name = bound<decltype(::name)>(#name)
 
 CFStringRef string(std::string const &text) {
   return CFStringCreateWithCString(kCFAllocatorDefault, text.c_str(), kCFStringEncodingUTF8);
@@ -36,7 +26,7 @@ std::size_t open_files() {
 // A failure that says what it is. The platform's strings cannot say it: what they have no memory for is unreadable.
 bool no_memory(UInt32 status) { return status == kMemory || status == kArgument; }
 
-class BoundaryAllocation : public gad::BookTest {
+class BoundaryAllocation : public gad::BookTest, protected Operations {
 protected:
   static void SetUpTestSuite() { test::watch_sqlite(); }
 
@@ -90,26 +80,6 @@ protected:
     std::cout << count << " allocations failed\n";
     return count;
   }
-
-  OPERATION(Abif_Initialize);
-  OPERATION(AbifDevice_SetDestinationDevice);
-  OPERATION(AbifDevice_GetStatus);
-  OPERATION(AbifDevice_ReadData);
-  OPERATION(AbifGADFile_GetFileDirectory);
-  OPERATION(AbifGADFile_GetFileList);
-  OPERATION(AbifGADFile_Read);
-  OPERATION(AbifGADFile_Add);
-  OPERATION(ABIFData_Create);
-  OPERATION(ABIFData_Delete);
-  OPERATION(ABIFData_GetCount_MyFax);
-  OPERATION(ABIFData_GetCount_MyFaxGroup);
-  OPERATION(ABIFData_GetCount_Contact);
-  OPERATION(ABIFData_GetCount_FaxGroup);
-  OPERATION(ABIFData_GetAt_MyFax);
-  OPERATION(ABIFData_GetAt_MyFaxGroup);
-  OPERATION(ABIFData_GetAt_Contact);
-  OPERATION(ABIFData_GetAt_FaxGroup);
-  OPERATION(ABIFData_Add_MyFax);
 
   CFStringRef const file_ = string(path);
   std::string before_;  // the book's bytes

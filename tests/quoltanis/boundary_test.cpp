@@ -1,6 +1,6 @@
 // The library as programs meet it: opened by its path, its operations found by name, its strings and records raw.
 #include "books.h"
-#include "quoltanis/QUOLTANIS.h"
+#include "operations.h"
 #include "quoltanis/records.h"
 
 #include <gmock/gmock.h>
@@ -18,36 +18,6 @@ namespace fax {
 namespace {
 
 using testing::ElementsAre;
-
-void *library() {
-  static void *const opened = dlopen(LIBRARY, RTLD_NOW | RTLD_LOCAL);
-  return opened;
-}
-
-#define OPERATION(name) decltype(&::name) const name = reinterpret_cast<decltype(&::name)>(dlsym(library(), #name))
-
-struct Operations {
-  OPERATION(Abif_Initialize);
-  OPERATION(AbifDevice_SetDestinationDevice);
-  OPERATION(AbifDevice_GetStatus);
-  OPERATION(AbifDevice_ReadData);
-  OPERATION(AbifGADFile_GetFileDirectory);
-  OPERATION(AbifGADFile_GetFileList);
-  OPERATION(AbifGADFile_Read);
-  OPERATION(AbifGADFile_Add);
-  OPERATION(ABIFData_Create);
-  OPERATION(ABIFData_Delete);
-  OPERATION(ABIFData_GetCount_MyFax);
-  OPERATION(ABIFData_GetCount_MyFaxGroup);
-  OPERATION(ABIFData_GetCount_Contact);
-  OPERATION(ABIFData_GetCount_FaxGroup);
-  OPERATION(ABIFData_GetAt_MyFax);
-  OPERATION(ABIFData_GetAt_MyFaxGroup);
-  OPERATION(ABIFData_GetAt_Contact);
-  OPERATION(ABIFData_GetAt_FaxGroup);
-  OPERATION(ABIFData_Add_MyFax);
-};
-#undef OPERATION
 
 struct Release {
   void operator()(void const *string) const { CFRelease(string); }
