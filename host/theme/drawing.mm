@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 
+#import "host/theme/PictureRep.h"
 #include "host/theme/icons.h"
 
 namespace fax::theme {
@@ -19,28 +19,15 @@ NSBezierPath *rounded_path(NSRect area, CGFloat radius) {
   return [NSBezierPath bezierPathWithRoundedRect:area xRadius:radius yRadius:radius];
 }
 
-NSImage *image(Picture const &picture) {
-  NSInteger const columns = picture.columns(), rows = picture.rows();
-  NSBitmapImageRep *bitmap = [[NSBitmapImageRep alloc] initWithBitmapDataPlanes:nullptr
-                                                                     pixelsWide:columns
-                                                                     pixelsHigh:rows
-                                                                  bitsPerSample:8
-                                                                samplesPerPixel:4
-                                                                       hasAlpha:YES
-                                                                       isPlanar:NO
-                                                                 colorSpaceName:NSCalibratedRGBColorSpace
-                                                                    bytesPerRow:columns * 4
-                                                                   bitsPerPixel:32];
-  std::memcpy([bitmap bitmapData], picture.pixels().data(), picture.pixels().size());
-  NSSize const size = {picture.width(), picture.height()};
-  [bitmap setSize:size];
-  NSImage *made = [[NSImage alloc] initWithSize:size];
+NSImage *image(NSBitmapImageRep *bitmap) {
+  NSImage *made = [[NSImage alloc] initWithSize:[bitmap size]];
   [made addRepresentation:bitmap];
-  // The toolkit would keep a copy in a window of its own, one that suits no scale but 1.
+  // The toolkit would keep a copy that suits no scale but 1.
   [made setCacheMode:NSImageCacheNever];
-  [bitmap release];
   return [made autorelease];
 }
+
+PictureRep *rep(Picture const &picture) { return [[[PictureRep alloc] initWithPicture:picture] autorelease]; }
 
 // What a field editor writes into; nil for anything else.
 id edited_by(NSResponder *responder) {
@@ -140,19 +127,26 @@ void draw_spinner(NSRect area, int count, Colour colour) {
 
 void register_pictures(Palette const &palette) {
   CGFloat const scale = screen_scale();
+  ControlPicture const *last = nullptr;
+  PictureRep *drawn = nil;
   for (ControlPicture const &control : control_pictures()) {
-    Picture picture(control.width, control.height, scale);
-    control.draw(picture, palette);
-    set_name(image(picture), [NSString stringWithUTF8String:control.name.data()]);
+    // Many kinds of folders look alike.
+    if (!last || !looks_like(*last, control)) {
+      Picture picture(control.width, control.height, scale);
+      control.draw(picture, palette);
+      drawn = rep(picture);
+    }
+    set_name(image(drawn), [NSString stringWithUTF8String:control.name.data()]);
+    last = &control;
   }
-  set_name(image(program_picture(64)), @"GNUstep");  // what a program without an icon of its own has
+  set_name(image(rep(program_picture(64))), @"GNUstep");  // what a program without an icon of its own has
 }
 
 NSImage *alert_image(NSAlertStyle style) {
   AlertKind const kind = style == NSCriticalAlertStyle        ? AlertKind::stop
                          : style == NSInformationalAlertStyle ? AlertKind::note
                                                               : AlertKind::warning;
-  return image(alert_picture(kind, current_palette(), screen_scale()));
+  return image(rep(alert_picture(kind, current_palette(), screen_scale())));
 }
 
 }  // namespace fax::theme

@@ -162,6 +162,10 @@ void exclamation(Picture &to, Point top, double height, Colour colour) {
 
 std::span<ControlPicture const> control_pictures() { return kControls; }
 
+bool looks_like(ControlPicture const &one, ControlPicture const &other) {
+  return one.draw == other.draw && one.width == other.width && one.height == other.height;
+}
+
 Picture alert_picture(AlertKind kind, Palette const &palette, double scale) {
   Picture icon(48, 48, scale);
   switch (kind) {

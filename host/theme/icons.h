@@ -14,6 +14,7 @@ struct ControlPicture {
   void (*draw)(Picture &, Palette const &);
 };
 std::span<ControlPicture const> control_pictures();
+bool looks_like(ControlPicture const &one, ControlPicture const &other);
 
 enum class AlertKind { note, warning, stop };
 

@@ -7,11 +7,14 @@ namespace fax::theme {
 
 namespace {
 
+// std::hypot guards against overflow, which no picture is large enough for, and takes several times as long.
+double length(double x, double y) { return std::sqrt(x * x + y * y); }
+
 double distance_to_segment(Point p, Point a, Point b) {
   double const dx = b.x - a.x, dy = b.y - a.y;
   double const square = dx * dx + dy * dy;
   double const along = square > 0 ? std::clamp(((p.x - a.x) * dx + (p.y - a.y) * dy) / square, 0.0, 1.0) : 0;
-  return std::hypot(p.x - a.x - along * dx, p.y - a.y - along * dy);
+  return length(p.x - a.x - along * dx, p.y - a.y - along * dy);
 }
 
 }  // namespace
@@ -29,15 +32,16 @@ void Picture::fill(Distance distance, Colour colour) {
   for (int row = 0; row < rows_; ++row) {
     for (int column = 0; column < columns_; ++column, pixel += 4) {
       double const away = distance(Point{(column + 0.5) / scale_, (row + 0.5) / scale_}) * scale_;
-      double const cover = std::clamp(0.5 - away, 0.0, 1.0);
+      if (away >= 0.5) continue;
+      double const cover = std::min(0.5 - away, 1.0);
       for (int part = 0; part < 4; ++part)
-        pixel[part] = static_cast<std::uint8_t>(std::lround(parts[part] * cover + pixel[part] * (1 - cover)));
+        pixel[part] = static_cast<std::uint8_t>(parts[part] * cover + pixel[part] * (1 - cover) + 0.5);
     }
   }
 }
 
 void Picture::circle(Point centre, double radius, Colour colour) {
-  fill([=](Point p) { return std::hypot(p.x - centre.x, p.y - centre.y) - radius; }, colour);
+  fill([=](Point p) { return length(p.x - centre.x, p.y - centre.y) - radius; }, colour);
 }
 
 void Picture::rounded(Point corner, double width, double height, double radius, Colour colour) {
@@ -46,7 +50,7 @@ void Picture::rounded(Point corner, double width, double height, double radius, 
       [=](Point p) {
         double const dx = std::abs(p.x - middle.x) - (width / 2 - radius);
         double const dy = std::abs(p.y - middle.y) - (height / 2 - radius);
-        return std::hypot(std::max(dx, 0.0), std::max(dy, 0.0)) + std::min(std::max(dx, dy), 0.0) - radius;
+        return length(std::max(dx, 0.0), std::max(dy, 0.0)) + std::min(std::max(dx, dy), 0.0) - radius;
       },
       colour);
 }
@@ -74,7 +78,7 @@ void Picture::convex(std::vector<Point> const &corners, Colour colour) {
         for (std::size_t at = 0; at < corners.size(); ++at) {
           Point const a = corners[at], b = next(at);
           double const across = (b.y - a.y) * (p.x - a.x) - (b.x - a.x) * (p.y - a.y);
-          farthest = std::max(farthest, sign * across / std::hypot(b.x - a.x, b.y - a.y));
+          farthest = std::max(farthest, sign * across / length(b.x - a.x, b.y - a.y));
         }
         return farthest;
       },

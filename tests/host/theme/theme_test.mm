@@ -3,6 +3,8 @@
 
 #include <gmock/gmock.h>
 
+#include <fstream>
+#include <string>
 #include <vector>
 
 #import "host/theme/AlertPanel.h"
@@ -52,6 +54,71 @@ TEST_F(Theme, AnswersTheToolkitsColoursAndPictures) {
   EXPECT_EQ([[box image] size].width, 15);
   EXPECT_EQ([[box alternateImage] size].width, 15);
   EXPECT_NE([box image], [box alternateImage]);
+}
+
+// As strings of red, green and blue, one a pixel.
+std::vector<std::string> pixels_of(NSView *view) {
+  [view lockFocus];
+  NSBitmapImageRep *const seen = [[[NSBitmapImageRep alloc] initWithFocusedViewRect:[view bounds]] autorelease];
+  [view unlockFocus];
+  std::vector<std::string> pixels;
+  for (NSInteger row = 0; row < [seen pixelsHigh]; ++row) {
+    for (NSInteger column = 0; column < [seen pixelsWide]; ++column) {
+      NSUInteger parts[4]{};
+      [seen getPixel:parts atX:column y:row];
+      pixels.push_back(std::to_string(parts[0]) + " " + std::to_string(parts[1]) + " " + std::to_string(parts[2]));
+    }
+  }
+  return pixels;
+}
+
+// A picture lets the ground through, and the display server keeps it from the first drawing on.
+TEST_F(Theme, DrawsAPictureFromOneCopy) {
+  NSWindow *window = [[NSWindow alloc] initWithContentRect:NSMakeRect(50, 50, 40, 40)
+                                                 styleMask:NSBorderlessWindowMask
+                                                   backing:NSBackingStoreBuffered
+                                                     defer:NO];
+  [window setReleasedWhenClosed:NO];
+  NSView *const view = [window contentView];
+  std::vector<std::vector<std::string>> drawn;
+  std::vector<NSUInteger> windows;
+  for (CGFloat fraction : {1.0, 1.0, 0.5}) {
+    [view lockFocus];
+    [[NSColor whiteColor] set];
+    NSRectFill([view bounds]);
+    [[NSImage imageNamed:@"NSFolder"] drawInRect:NSMakeRect(4, 4, 32, 32)
+                                        fromRect:NSZeroRect
+                                       operation:NSCompositeSourceOver
+                                        fraction:fraction];
+    [view unlockFocus];
+    drawn.push_back(pixels_of(view));
+    windows.push_back([[NSApp windows] count]);
+  }
+  EXPECT_EQ(drawn[0], drawn[1]);
+  EXPECT_NE(drawn[0], drawn[2]);
+  EXPECT_EQ(windows[0], windows[2]);
+  for (auto const &pixels : drawn) {
+    EXPECT_EQ(pixels.front(), "255 255 255");
+    EXPECT_NE(pixels[20 * 40 + 20], "255 255 255");
+  }
+  [window release];
+}
+
+// No module of ImageMagick is loaded until there is a picture that needs it.
+TEST_F(Theme, KnowsKindsOfPicturesByName) {
+  auto const modules = [] {
+    std::ifstream maps("/proc/self/maps");
+    std::string const all{std::istreambuf_iterator<char>(maps), {}};
+    return all.find("/coders/") != std::string::npos;
+  };
+  NSArray *const types = [NSImage imageFileTypes];
+  for (NSString *type : {@"png", @"tiff", @"webp", @"svg"}) EXPECT_TRUE([types containsObject:type]) << [type UTF8String];
+  EXPECT_FALSE(modules());
+  char const text[] = "/* XPM */ static char *dot[] = {\"2 1 1 1\", \". c #ff0000\", \"..\"};";
+  NSImage *const image =
+      [[[NSImage alloc] initWithData:[NSData dataWithBytes:text length:sizeof text - 1]] autorelease];
+  EXPECT_EQ([image size].width, 2);
+  EXPECT_TRUE(modules());
 }
 
 // Every control of a kind is drawn, in every state, without an exception, a look at the disk or a pixel outside it.
