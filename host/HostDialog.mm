@@ -166,8 +166,9 @@ NSString *own_help_page() {
 
 - (void)show {
   auto const start = Clock::now();
-  [[_window window] makeKeyAndOrderFront:nil];
+  // A panel may need a larger window, and one on the screen would be drawn twice.
   [_panels showChosen];
+  [[_window window] makeKeyAndOrderFront:nil];
   draw_now([_window window]);
   if (_state->request.command_line.timing) {
     std::printf("panel view: %.1f ms\n", std::chrono::duration<double, std::milli>(Clock::now() - start).count());

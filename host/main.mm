@@ -5,6 +5,7 @@
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
+#include <future>
 #include <string>
 #include <system_error>
 #include <unistd.h>
@@ -215,6 +216,16 @@ static Result<DialogRequest> Prepare(CommandLine const &line) {
                        ApplicationFolder(), {all.begin() + 1, all.end()}, memory};
 }
 
+static int Broken(NSException *raised) {
+  return Fail({ExitCode::submission, tr("The dialog failed: {0}", utf8([raised reason])), ""});
+}
+
+// Where no thread can be had the work is done when its result is asked for.
+template <typename Work>
+static std::future<std::invoke_result_t<Work>> InBackground(Work work) {
+  return std::async(std::launch::async | std::launch::deferred, std::move(work));
+}
+
 static void StartApplication(CommandLine const &line) {
   [[NSUserDefaults standardUserDefaults]
       registerDefaults:[NSDictionary dictionaryWithObject:@"YES" forKey:@"GSSuppressAppIcon"]];
@@ -222,24 +233,17 @@ static void StartApplication(CommandLine const &line) {
 }
 
 // For who started the program without a terminal.
-static void ShowFailure(CommandLine const &line, Failure const &failure) {
-  if (!fax::theme::display_answers()) return;
+static void ShowFailure(Failure const &failure) {
   fenced([&] {
-    StartApplication(line);
     [NSApp finishLaunching];
     [NSApp activateIgnoringOtherApps:YES];
     [[[HostAlerts new] autorelease] tell:ns(failure.what) advice:ns(failure.advice)];
   });
 }
 
-static int RunDialog(DialogRequest const &request) {
-  if (!fax::theme::display_answers()) {
-    return Fail({ExitCode::usage, tr("There is no display to show the print dialog on."),
-                 tr("Start it in a desktop session, or set {0}.", "DISPLAY")});
-  }
+static int ShowDialog(DialogRequest const &request) {
   int code = 0;
   NSException *raised = fenced([&] {
-    StartApplication(request.command_line);
     HostApplication *application = [[HostApplication alloc] initWithRequest:&request];
     [NSApp setDelegate:(id)application];
     [NSApp run];
@@ -247,8 +251,26 @@ static int RunDialog(DialogRequest const &request) {
     [NSApp setDelegate:nil];
     [application release];
   });
-  if (!raised) return code;
-  return Fail({ExitCode::submission, tr("The dialog failed: {0}", utf8([raised reason])), ""});
+  return raised ? Broken(raised) : code;
+}
+
+static Failure NoDisplay() {
+  return {ExitCode::usage, tr("There is no display to show the print dialog on."),
+          tr("Start it in a desktop session, or set {0}.", "DISPLAY")};
+}
+
+// The print service answers while the toolkit starts: each takes a good part of the time until the dialog is there.
+static int Print(CommandLine const &line) {
+  std::future<Result<DialogRequest>> preparing = InBackground([&] { return Prepare(line); });
+  bool const display = fax::theme::display_answers();
+  NSException *const raised = display ? fenced([&] { StartApplication(line); }) : nil;
+  auto const request = preparing.get();
+  if (!request) {
+    if (line.alert && display && !raised) ShowFailure(request.failure());
+    return Fail(request.failure());
+  }
+  if (!display) return Fail(NoDisplay());
+  return raised ? Broken(raised) : ShowDialog(request.value());
 }
 
 static int Run(std::vector<std::string> const &arguments) {
@@ -269,12 +291,7 @@ static int Run(std::vector<std::string> const &arguments) {
     }
     case CommandLine::Action::print: break;
   }
-  auto const request = Prepare(line.value());
-  if (!request) {
-    if (line.value().alert) ShowFailure(line.value(), request.failure());
-    return Fail(request.failure());
-  }
-  return RunDialog(request.value());
+  return Print(line.value());
 }
 
 int main(int argc, char **argv) {
