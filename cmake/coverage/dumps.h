@@ -1,13 +1,12 @@
-/* For the coverage build: a program that ends by _exit() leaves its counts behind all the same. */
+/* The counts of every module of a process, written when it ends by _exit, and each second for when it is killed. */
 #pragma once
 
-#ifdef __cplusplus
-extern "C" {
-#endif
+struct counts {
+  void (*dump)(void);
+  void (*reset)(void);
+};
 
-/* Called by _exit() before the process ends. At most 16 modules of a process. */
-void directfax_add_dump(void (*dump)(void));
-
-#ifdef __cplusplus
-}
-#endif
+/* Of at most 16 modules. */
+void directfax_add_counts(struct counts own);
+/* Before a module goes. */
+void directfax_drop_counts(struct counts own);

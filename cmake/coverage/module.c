@@ -2,5 +2,9 @@
 #include "dumps.h"
 
 void __gcov_dump(void);
+void __gcov_reset(void);
 
-__attribute__((constructor)) static void add_dump(void) { directfax_add_dump(__gcov_dump); }
+static struct counts const own = {__gcov_dump, __gcov_reset};
+
+__attribute__((constructor)) static void begin(void) { directfax_add_counts(own); }
+__attribute__((destructor)) static void end(void) { directfax_drop_counts(own); }
