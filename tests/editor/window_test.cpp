@@ -148,6 +148,10 @@ TEST_F(EditorWindowTest, EveryEditIsSavedAtOnceAndSurvivesAKill) {
 
 TEST_F(EditorWindowTest, ABookIsMadeWithoutAMouse) {
   ASSERT_NO_FATAL_FAILURE(start({path}));
+  // Whoever counts keys needs a window that misses none.
+  ASSERT_TRUE(opens("ctrl+n", "New Entry"));
+  keys("Escape");
+  ASSERT_TRUE(has_window("Address Book Editor"));
   keys("shift+Tab shift+Tab shift+Tab shift+Tab shift+Tab");  // past New Group, the groups, the search, Open
   ASSERT_TRUE(opens("space", "New Address Book"));
   type("Office");

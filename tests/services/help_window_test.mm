@@ -12,7 +12,7 @@
 #include <dlfcn.h>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
+#include <iterator>
 #include <thread>
 
 namespace fs = std::filesystem;
@@ -101,10 +101,13 @@ protected:
 
   // What the browser was told, once it was started.
   std::string browsed() const {
-    for (int i = 0; i < 500 && !fs::exists(told()); ++i) std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    std::ostringstream text;
-    text << std::ifstream(told()).rdbuf();
-    return text.str();
+    std::string text;
+    for (int i = 0; i < 500 && !text.ends_with('\n'); ++i) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+      std::ifstream file(told());
+      text.assign(std::istreambuf_iterator<char>(file), {});
+    }
+    return text;
   }
 
   NSAutoreleasePool *pool_ = [NSAutoreleasePool new];

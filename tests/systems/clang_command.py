@@ -7,7 +7,8 @@ import shlex
 import subprocess
 
 # GCC's alone, or what clang has another word for.
-DROPPED = ("-c", "-Wno-import")
+DROPPED = ("-c", "-Wno-import", "-Winvalid-pch")
+WITH_A_WORD = ("-o", "-x", "-include")  # the last one names headers that GCC has read already
 
 
 @functools.cache
@@ -22,7 +23,7 @@ def clang_arguments(command, source):
     kept = []
     given = iter(shlex.split(command)[1:])
     for argument in given:
-        if argument in ("-o", "-x"):
+        if argument in WITH_A_WORD:
             next(given)
         elif argument not in (*DROPPED, source) and not argument.startswith("-fno-sanitize"):
             kept.append(argument)
