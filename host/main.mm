@@ -90,9 +90,6 @@ static void Tell(std::string const &sentence) { std::fprintf(stderr, "faxprint: 
 }
 
 - (void)applicationDidFinishLaunching:(NSNotification *)notification {
-  // The toolkit's handlers end the application as if all had gone well, and can hang inside a modal dialog.
-  std::signal(SIGTERM, SIG_DFL);
-  std::signal(SIGINT, SIG_DFL);
   if (_request->command_line.timing) [self timeEmptyWindow];
   _dialog = [[HostDialog alloc] initWithRequest:*_request owner:self alerts:[[HostAlerts new] autorelease]];
   if (_request->command_line.ui_map) {
@@ -230,6 +227,10 @@ static void StartApplication(CommandLine const &line) {
   [[NSUserDefaults standardUserDefaults]
       registerDefaults:[NSDictionary dictionaryWithObject:@"YES" forKey:@"GSSuppressAppIcon"]];
   fax::theme::start_application(fax::theme::choice_named(line.theme).value_or(fax::theme::Choice::automatic), line.scale);
+  // The toolkit's handlers wait for its loop, end the application as if all had gone well, and can hang inside a modal
+  // dialog.
+  std::signal(SIGTERM, SIG_DFL);
+  std::signal(SIGINT, SIG_DFL);
 }
 
 // For who started the program without a terminal.

@@ -10,6 +10,8 @@ FILE is printed into a file by the print dialog; an address book is opened by th
 import os
 import pwd
 import shlex
+import signal
+import socket
 import subprocess
 import sys
 import time
@@ -131,7 +133,25 @@ def editor_is_shown():
     return found.returncode == 0 and found.stdout.strip()
 
 
+def end_while_nothing_answers(arguments, work):
+    """The toolkit has started by then, and would keep the signal for its loop, which has not."""
+    with socket.socket() as silent:
+        silent.bind(("127.0.0.1", 0))
+        silent.listen()
+        faxprint = os.path.join(arguments.build, "faxprint.app", "faxprint")
+        server = "127.0.0.1:%d" % silent.getsockname()[1]
+        with Program(work, {"CUPS_SERVER": server}, [faxprint, arguments.file]) as program:
+            silent.settimeout(20)
+            with silent.accept()[0]:
+                time.sleep(1)
+                program.process.terminate()
+                code = program.process.wait(timeout=5)
+    if code != -signal.SIGTERM:
+        raise TourError(f"a print service that says nothing: ended with code {code}: {program.said()}")
+
+
 def work_through(arguments, work):
+    end_while_nothing_answers(arguments, work)
     private_cups = os.path.join(SCRIPTS, "private-cups")
     cups = os.path.join(work, "cups")
     server = run(private_cups, "start", cups, "--build", arguments.build, "--owner", str(os.getpid())).strip()
