@@ -292,7 +292,7 @@ TEST_F(PrinterBookTest, ServersThatMisbehave) {
          for (int i = 0; i < 500; ++i) many += one;
          while (line.send(many)) continue;
        },
-       incomplete, 6500},
+       incomplete, 6500, "time-out = 10\n"},  // of entries there may be too many, of time not too little
       {"sends empty pages for ever",
        [paged](Line const &line) {
          for (int id = let_in(line); id != 0; id = line.request())
