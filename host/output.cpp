@@ -54,8 +54,8 @@ class FreshFile {
 };
 
 std::optional<std::string> program(std::string const &name) {
-  std::string folders = std::getenv("PATH") ? std::getenv("PATH") : "";
-  folders += ":/usr/sbin:/sbin";
+  char const *const path_of_shells = std::getenv("PATH");
+  std::string const folders = std::string(path_of_shells ? path_of_shells : "") + ":/usr/sbin:/sbin";
   for (std::size_t at = 0; at <= folders.size();) {
     std::size_t const end = std::min(folders.find(':', at), folders.size());
     std::string const path = folders.substr(at, end - at) + "/" + name;
@@ -73,6 +73,7 @@ pid_t start(std::vector<std::string> arguments, int output) {
   posix_spawn_file_actions_adddup2(&actions, output, 1);
   posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
   std::vector<char *> words;
+  words.reserve(arguments.size() + 1);
   for (auto &argument : arguments) words.push_back(argument.data());
   words.push_back(nullptr);
   pid_t pid = 0;

@@ -71,7 +71,7 @@ std::optional<fs::path> find_help_page(HelpBook const &book, std::string const &
       auto const place = inside(book.resources, folder);
       if (!place) continue;
       for (auto const &file : pages) {
-        auto const found = inside(*place, file);
+        auto found = inside(*place, file);
         std::error_code error;
         if (found && fs::is_regular_file(*found, error)) return found;
       }

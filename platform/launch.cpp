@@ -67,6 +67,7 @@ int launch(std::vector<std::string> const &arguments, pid_t *process) {
   std::string const path = find_program(arguments[0]);
   if (path.empty()) return ENOENT;
   std::vector<char *> pointers;
+  pointers.reserve(arguments.size() + 1);
   for (auto const &argument : arguments) pointers.push_back(const_cast<char *>(argument.c_str()));
   pointers.push_back(nullptr);
 

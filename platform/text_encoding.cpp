@@ -78,6 +78,7 @@ public:
   }
 
 private:
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): iconv_open's word for a failure is a number as a pointer
   bool usable() const { return handle_ != iconv_t(-1); }
   iconv_t handle_;
 };

@@ -80,7 +80,7 @@ std::string url_of(PrinterSettings const &settings, std::string const &address) 
 }
 
 timeval time_until(Watchdog::Clock::time_point end) {
-  int const left = std::max(milliseconds_until(end), 1);
+  long const left = std::max(milliseconds_until(end), 1);
   return {left / 1000, left % 1000 * 1000};
 }
 

@@ -69,7 +69,7 @@ std::string normal_dn(std::string const &dn) {
 Status PrinterEntries::add(DirectoryEntry const &entry) {
   bytes_ += entry.dn.size();
   for (auto const &[name, all] : entry.attributes)
-    for (auto const &value : all) bytes_ += value.size() + sizeof value;
+    for (auto const &value : all) bytes_ += value.size() + sizeof(std::string);
   if (bytes_ > most_bytes) return Status::incomplete;
   bool const group = std::ranges::any_of(values(entry, "objectClass"),
                                          [&](auto const &one) { return same(one, settings_.group_class); });

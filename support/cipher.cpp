@@ -37,13 +37,14 @@ constexpr int32_t kGroup = sizeof xspkey;
 
 // The two characters of 12 bits.
 using Pair = std::array<uint8_t, 2>;
-constexpr auto kPairs = [] {
+constexpr std::array<Pair, 4096> every_pair() {
   std::array<Pair, 4096> pairs{};
   for (std::size_t bits = 0; bits < pairs.size(); ++bits) {
     pairs[bits] = {static_cast<uint8_t>(B64CHR[bits >> 6]), static_cast<uint8_t>(B64CHR[bits & 63])};
   }
   return pairs;
-}();
+}
+constexpr std::array<Pair, 4096> kPairs = every_pair();
 
 void put_pair(uint8_t *out, uint64_t bits) { std::memcpy(out, kPairs[bits & 4095].data(), sizeof(Pair)); }
 
@@ -63,8 +64,9 @@ void put_six(uint8_t *out, uint64_t bytes) {
 
 // The bits of a character, where they stand in a group of four when the character is the first, second, third or fourth.
 constexpr uint32_t kOutside = 1u << 24;
-constexpr auto kBits = [] {
-  std::array<std::array<uint32_t, 256>, 4> tables{};
+using Bits = std::array<std::array<uint32_t, 256>, 4>;
+constexpr Bits every_bit() {
+  Bits tables{};
   for (std::size_t place = 0; place < tables.size(); ++place) {
     tables[place].fill(kOutside);
     for (uint32_t value = 0; value < sizeof B64CHR; ++value) {
@@ -72,7 +74,8 @@ constexpr auto kBits = [] {
     }
   }
   return tables;
-}();
+}
+constexpr Bits kBits = every_bit();
 
 bool is_space(uint8_t c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 

@@ -1,4 +1,5 @@
-/* The counts of every module of a process, written when it ends by _exit, and each second for when it is killed. */
+/* The counts of every module of a process, written when it ends by _exit, and each second where
+   DIRECTFAX_COUNTS_WHILE_RUNNING is in the environment: for programs that are killed. */
 #pragma once
 
 struct counts {

@@ -27,6 +27,7 @@ constexpr std::chrono::milliseconds kTick{20};
 
 std::vector<char *> pointers(std::vector<std::string> &words) {
   std::vector<char *> list;
+  list.reserve(words.size() + 1);
   for (auto &word : words) list.push_back(word.data());
   list.push_back(nullptr);
   return list;

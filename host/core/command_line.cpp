@@ -191,6 +191,7 @@ Result<CommandLine> parse_command_line(std::vector<std::string> const &arguments
   std::vector<std::string> words{"faxprint"};
   words.insert(words.end(), arguments.begin(), arguments.end());
   std::vector<char *> argv;
+  argv.reserve(words.size() + 1);
   for (auto &word : words) argv.push_back(word.data());
   argv.push_back(nullptr);
 

@@ -35,7 +35,7 @@ void Picture::fill(Distance distance, Colour colour) {
       if (away >= 0.5) continue;
       double const cover = std::min(0.5 - away, 1.0);
       for (int part = 0; part < 4; ++part)
-        pixel[part] = static_cast<std::uint8_t>(parts[part] * cover + pixel[part] * (1 - cover) + 0.5);
+        pixel[part] = static_cast<std::uint8_t>(std::lround(parts[part] * cover + pixel[part] * (1 - cover)));
     }
   }
 }
