@@ -80,6 +80,25 @@ void sort_keys(Keys keys, char const *text, std::size_t depth) {
   }
 }
 
+// The first eight bytes of a text, or all of a shorter one.
+class Head {
+ public:
+  explicit Head(std::string_view text) {
+    std::size_t const length = std::min(text.size(), kHead);
+    std::memcpy(&bytes_, text.data(), length);
+    std::memset(&mask_, 0xFF, length);
+  }
+  // Eight bytes are read there.
+  bool stands_at(char const *place) const {
+    std::uint64_t there = 0;
+    std::memcpy(&there, place, kHead);
+    return ((there ^ bytes_) & mask_) == 0;
+  }
+
+ private:
+  std::uint64_t bytes_ = 0, mask_ = 0;
+};
+
 // Tells found where in text wanted, which is not empty, stands: every place, in order. Each place of a block is looked at
 // for the first and the last byte alike, which compilers make vector instructions of.
 template <typename Found>
@@ -87,20 +106,29 @@ void each_occurrence(std::string_view text, std::string_view wanted, Found found
   constexpr std::size_t kBlock = 64;
   std::size_t const behind = wanted.size() - 1;
   char const first = wanted.front(), last = wanted.back();
+  // Its first eight bytes are compared as a number: most texts have no more.
+  Head const head(wanted);
   std::size_t at = 0;
-  for (; at + kBlock + behind <= text.size(); at += kBlock) {
+  for (; at + kBlock + std::max(behind, kHead) <= text.size(); at += kBlock) {
     char const *const here = text.data() + at;
     std::array<std::uint8_t, kBlock> maybe;
-    for (std::size_t place = 0; place < kBlock; ++place) {
-      maybe[place] = static_cast<std::uint8_t>((here[place] == first) & (here[place + behind] == last));
+    std::array<std::uint8_t, 16> any{};
+    for (std::size_t part = 0; part < kBlock; part += any.size()) {
+      for (std::size_t place = 0; place < any.size(); ++place) {
+        maybe[part + place] = static_cast<std::uint8_t>((here[part + place] == first) & (here[part + place + behind] == last));
+        any[place] |= maybe[part + place];
+      }
     }
+    std::array<std::uint64_t, 2> halves;
+    std::memcpy(halves.data(), any.data(), any.size());
+    if ((halves[0] | halves[1]) == 0) continue;
     std::array<std::uint64_t, kBlock / 8> words;
     std::memcpy(words.data(), maybe.data(), kBlock);
-    if (std::accumulate(words.begin(), words.end(), std::uint64_t{0}, std::bit_or<>()) == 0) continue;
     for (std::size_t word = 0; word < words.size(); ++word) {
       for (std::uint64_t left = words[word]; left != 0; left &= left - 1) {
         std::size_t const place = 8 * word + static_cast<std::size_t>(std::countr_zero(left)) / 8;
-        if (behind < 2 || std::memcmp(here + place, wanted.data(), behind) == 0) found(at + place);
+        if (!head.stands_at(here + place)) continue;
+        if (behind <= kHead || std::memcmp(here + place, wanted.data(), behind) == 0) found(at + place);
       }
     }
   }
@@ -263,12 +291,18 @@ void AddressBook::sort(CaseFold &fold) {
     order.push_back(order_[key.row]);
   }
   starts.push_back(static_cast<std::uint32_t>(names.size()));
+  std::vector<RowNumber> rows_at;
+  rows_at.reserve(names.size() / kStride + 1);
+  for (RowNumber row = 0; row < keys.size(); ++row) {
+    while (rows_at.size() * kStride < starts[row + 1]) rows_at.push_back(row);
+  }
   for (std::size_t row = 0; row < order.size(); ++row) {
     Record const &record = records_[order[row]];
     ids_[row] = record.member ? record.id : kNoId;
   }
   names_ = std::move(names);
   starts_ = std::move(starts);
+  rows_at_ = std::move(rows_at);
   order_ = std::move(order);
 }
 
@@ -284,6 +318,7 @@ std::vector<RowNumber> AddressBook::rows_named(std::u16string_view text, CaseFol
   each_occurrence(names_, wanted, [&](std::size_t place) {
     // In a row that was found already; or another letter, and behind every name stands a NUL to look at.
     if (place < starts_[row] || CaseFold::continues_letter(names_[place + wanted.size()])) return;
+    row = std::max(row, rows_at_[place / kStride]);
     while (starts_[row + 1] <= place) ++row;
     rows.push_back(row++);
   });

@@ -79,6 +79,7 @@ class AddressBook {
     std::uint32_t record, begin, count;
   };
   static constexpr std::int32_t kNoId = -1;
+  static constexpr std::size_t kStride = 32;  // bytes, two names or so
 
   void add(Record record, std::u16string_view name, std::u16string_view number, std::u16string_view company,
            std::u16string_view note);
@@ -100,6 +101,7 @@ class AddressBook {
   std::vector<std::int32_t> ids_;    // shown row -> id of an individual, or kNoId
   std::string names_;                // folded names in shown order, each ended by a NUL
   std::vector<std::uint32_t> starts_;  // shown row -> where its name begins in names_; one more at the end
+  std::vector<RowNumber> rows_at_;     // row of every kStride-th byte of names_
 };
 
 }  // namespace fax
