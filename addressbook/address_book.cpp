@@ -115,7 +115,8 @@ void each_occurrence(std::string_view text, std::string_view wanted, Found found
     std::array<std::uint8_t, 16> any{};
     for (std::size_t part = 0; part < kBlock; part += any.size()) {
       for (std::size_t place = 0; place < any.size(); ++place) {
-        maybe[part + place] = static_cast<std::uint8_t>((here[part + place] == first) & (here[part + place + behind] == last));
+        char const *const letter = here + part + place;
+        maybe[part + place] = static_cast<std::uint8_t>((letter[0] == first) & (letter[behind] == last));
         any[place] |= maybe[part + place];
       }
     }
