@@ -161,7 +161,8 @@ TEST_F(AddressBookTest, SortsAndFindsManyRowsAsPlainWaysWould) {
   std::stable_sort(plain.begin(), plain.end(), [](auto const &l, auto const &r) { return l.first > r.first; });
   book.sort(fold);
   for (RowNumber row = 0; row < book.size(); ++row) ASSERT_EQ(book.entry(row).id, plain[row].second) << row;
-  for (std::u16string_view const text : {u"a", u"ab", u"aba", u"bbbb", u"abbabaab", u"bababababababa"}) {
+  for (std::u16string_view const text : {u"a", u"ab", u"aba", u"bbbb", u"abbabaab", u"abbabaabb", u"abbabaabba",
+                                       u"bababababababa"}) {
     std::vector<RowNumber> expected;
     for (RowNumber row = 0; row < plain.size(); ++row) {
       if (plain[row].first.find(text) != text.npos) expected.push_back(row);

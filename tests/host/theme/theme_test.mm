@@ -38,6 +38,16 @@ class Theme : public testing::Test {
   NSAutoreleasePool *pool_ = nil;
 };
 
+// Stays when it is closed.
+NSWindow *new_window(NSSize size, NSUInteger style) {
+  NSWindow *window = [[NSWindow alloc] initWithContentRect:NSMakeRect(50, 50, size.width, size.height)
+                                                 styleMask:style
+                                                   backing:NSBackingStoreBuffered
+                                                     defer:NO];
+  [window setReleasedWhenClosed:NO];
+  return window;
+}
+
 NSString *repeated(NSString *text, int times) {
   NSMutableString *whole = [NSMutableString string];
   for (int at = 0; at < times; ++at) [whole appendString:text];
@@ -74,11 +84,7 @@ std::vector<std::string> pixels_of(NSView *view) {
 
 // A picture lets the ground through, and the display server keeps it from the first drawing on.
 TEST_F(Theme, DrawsAPictureFromOneCopy) {
-  NSWindow *window = [[NSWindow alloc] initWithContentRect:NSMakeRect(50, 50, 40, 40)
-                                                 styleMask:NSBorderlessWindowMask
-                                                   backing:NSBackingStoreBuffered
-                                                     defer:NO];
-  [window setReleasedWhenClosed:NO];
+  NSWindow *window = new_window(NSMakeSize(40, 40), NSBorderlessWindowMask);
   NSView *const view = [window contentView];
   std::vector<std::vector<std::string>> drawn;
   std::vector<NSUInteger> windows;
@@ -123,11 +129,7 @@ TEST_F(Theme, KnowsKindsOfPicturesByName) {
 
 // Every control of a kind is drawn, in every state, without an exception, a look at the disk or a pixel outside it.
 TEST_F(Theme, DrawsEveryControl) {
-  NSWindow *window = [[NSWindow alloc] initWithContentRect:NSMakeRect(50, 50, 400, 300)
-                                                 styleMask:NSTitledWindowMask
-                                                   backing:NSBackingStoreBuffered
-                                                     defer:NO];
-  [window setReleasedWhenClosed:NO];
+  NSWindow *window = new_window(NSMakeSize(400, 300), NSTitledWindowMask);
   NSTabView *tabs = [[[NSTabView alloc] initWithFrame:NSMakeRect(0, 0, 1, 1)] autorelease];
   for (NSString *title : {@"One", @"Two"}) {
     NSTabViewItem *item = [[[NSTabViewItem alloc] initWithIdentifier:title] autorelease];
@@ -169,11 +171,7 @@ TEST_F(Theme, DrawsEveryControl) {
 
 // What is framed for the focus has to be drawn anew when the focus leaves, too.
 TEST_F(Theme, DrawsAFieldAnewThatLosesTheFocus) {
-  NSWindow *window = [[NSWindow alloc] initWithContentRect:NSMakeRect(50, 50, 300, 100)
-                                                 styleMask:NSTitledWindowMask
-                                                   backing:NSBackingStoreBuffered
-                                                     defer:NO];
-  [window setReleasedWhenClosed:NO];
+  NSWindow *window = new_window(NSMakeSize(300, 100), NSTitledWindowMask);
   DrawnField *first = [[[DrawnField alloc] initWithFrame:NSMakeRect(10, 60, 200, 22)] autorelease];
   DrawnField *second = [[[DrawnField alloc] initWithFrame:NSMakeRect(10, 20, 200, 22)] autorelease];
   [[window contentView] addSubview:first];
